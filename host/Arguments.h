@@ -1,0 +1,46 @@
+/// The command line as it was written, a record for each command. Texts are as the user gave them, unchecked.
+#pragma once
+
+#include "host/SnmpOptions.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace Host {
+
+struct DiscoverArguments {
+    std::vector<std::string> targets, excludes;
+    SnmpArguments snmp;
+    std::optional<std::string> timeout, retries, tasks, format;
+    bool noNames = false;
+    std::string dataStore, plugin;
+};
+
+struct ServeArguments {
+    bool stdio = false;
+    std::string dataStore, plugin;
+};
+
+struct SettingsArguments {
+    enum class Action { List, Get, Set, Unset };
+    Action action = Action::List;
+    std::string key, value, dataStore;
+    std::optional<std::string> format;
+};
+
+/// What --help and --version ask for.
+struct TextRequest {
+    std::string text;
+};
+
+using CommandLine = std::variant<TextRequest, DiscoverArguments, ServeArguments, SettingsArguments>;
+
+/// Reads the arguments that follow the program's name. Throws `UsageError`.
+CommandLine parseCommandLine(std::vector<std::string> arguments);
+
+/// Every option of every command, by its long name, for checks of the documentation.
+std::vector<std::string> allOptions();
+
+} // namespace Host

@@ -1,0 +1,58 @@
+#include "host/Platform.h"
+
+#include "host/Errors.h"
+
+#include <cstdlib>
+#include <system_error>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace Host {
+
+std::filesystem::path programFolder()
+{
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error)
+        throw Failure("the program's own folder is not to be found: " + error.message());
+    return program.parent_path();
+}
+
+std::filesystem::path configurationFolder()
+{
+    // A relative folder would depend on where the program is started; the convention is to ignore it.
+    if (const auto folder = environmentVariable("XDG_CONFIG_HOME"); folder && folder->front() == '/')
+        return *folder;
+    if (const auto home = environmentVariable("HOME"))
+        return std::filesystem::path(*home) / ".config";
+    return {};
+}
+
+const char* pluginFileName()
+{
+    return "libPrinterDiscovery.so";
+}
+
+std::optional<std::string> environmentVariable(const char* name)
+{
+    const char* value = std::getenv(name);
+    if (value == nullptr || *value == '\0')
+        return std::nullopt;
+    return value;
+}
+
+bool isTerminal(Stream stream)
+{
+    return isatty(stream == Stream::Output ? STDOUT_FILENO : STDERR_FILENO) == 1;
+}
+
+std::size_t terminalWidth()
+{
+    winsize size{};
+    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0)
+        return 80;
+    return size.ws_col;
+}
+
+} // namespace Host

@@ -1,0 +1,66 @@
+#include "host/PrivateFile.h"
+
+#include "host/Errors.h"
+
+#include <cerrno>
+#include <memory>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Host {
+
+namespace {
+
+constexpr std::size_t LargestSecret = 4096;
+
+class Descriptor {
+public:
+    explicit Descriptor(int value) : value_(value) {}
+    ~Descriptor()
+    {
+        if (value_ >= 0)
+            close(value_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int get() const { return value_; }
+
+private:
+    int value_;
+};
+
+[[noreturn]] void refuse(const std::string& path, const std::string& option, int error)
+{
+    throw UsageError(option + ": cannot read " + path + ": " + std::generic_category().message(error));
+}
+
+} // namespace
+
+std::string readPrivateFile(const std::string& path, const std::string& option)
+{
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat status {};
+    if (file.get() < 0 || fstat(file.get(), &status) != 0)
+        refuse(path, option, errno);
+    if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+        throw UsageError(option + ": others than the owner of " + path + " have access to it; chmod 600 mends that");
+    std::string content;
+    content.resize(LargestSecret);
+    std::size_t length = 0;
+    while (length < content.size()) {
+        const ssize_t count = read(file.get(), content.data() + length, content.size() - length);
+        if (count < 0 && errno != EINTR)
+            refuse(path, option, errno);
+        if (count == 0)
+            break;
+        length += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    content.resize(length);
+    return content;
+}
+
+} // namespace Host

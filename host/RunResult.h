@@ -1,0 +1,29 @@
+/// What a discovery run brought.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Host {
+
+/// One printer, with the texts as the plug-in gave them (UTF-8; any may be empty).
+struct Printer {
+    std::string hostname;
+    std::string ip;
+    std::vector<std::string> mac;
+    std::string name;
+    std::string sn;
+};
+
+constexpr int StateFinished = 1; ///< no work of the run is pending
+
+struct RunResult {
+    std::uint32_t step = 0;    ///< addresses probed
+    std::uint32_t total = 0;   ///< addresses to probe
+    int state = StateFinished; ///< as the plug-in last reported it
+    std::vector<Printer> printers;
+    bool interrupted = false;
+};
+
+} // namespace Host

@@ -1,0 +1,64 @@
+#include "host/Commands.h"
+#include "host/Errors.h"
+#include "host/Output.h"
+#include "host/Secrets.h"
+
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <span>
+
+namespace Host {
+
+namespace {
+
+/// Runs the command that the command line asks for; an overload for each.
+struct Run {
+    std::span<char*> arguments;
+
+    ExitCode operator()(const TextRequest& request) const
+    {
+        writeOutput(request.text);
+        return ExitCode::Done;
+    }
+
+    ExitCode operator()(const DiscoverArguments& command) const
+    {
+        const DiscoverOptions options = readDiscoverOptions(command, snmpEnvironment());
+        hideArguments(arguments, options.secrets);
+        return discover(command, options);
+    }
+
+    ExitCode operator()(const ServeArguments& command) const { return serve(command); }
+
+    ExitCode operator()(const SettingsArguments& command) const { return settings(command, std::cout); }
+};
+
+ExitCode report(ExitCode code, const char* message)
+{
+    std::fprintf(stderr, "printer-discovery: %s\n", message);
+    if (code == ExitCode::Usage)
+        std::fputs("printer-discovery --help shows how to use it\n", stderr);
+    return code;
+}
+
+ExitCode run(std::span<char*> arguments)
+{
+    try {
+        return std::visit(Run{arguments}, parseCommandLine({arguments.begin(), arguments.end()}));
+    } catch (const UsageError& error) {
+        return report(ExitCode::Usage, error.what());
+    } catch (const std::exception& error) {
+        return report(ExitCode::Failed, error.what());
+    }
+}
+
+} // namespace
+
+} // namespace Host
+
+int main(int count, char** arguments)
+{
+    const std::span<char*> all(arguments, static_cast<std::size_t>(count));
+    return static_cast<int>(Host::run(all.empty() ? all : all.subspan(1)));
+}

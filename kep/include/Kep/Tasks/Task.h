@@ -1,0 +1,57 @@
+/// A piece of work for the host's task queue.
+#pragma once
+
+#include "Kep/Export.h"
+#include "Kep/UniqueFunction.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Kep::Tasks {
+
+/// What a run callback is told: the id of its task.
+struct RunContext {
+    std::uint32_t taskId = 0;
+};
+
+/// What a finish callback is told.
+struct FinishContext {
+    std::uint32_t taskId = 0;
+    bool ran = false;       ///< false when the task was withdrawn before it ran
+    bool succeeded = false; ///< the run callback returned true
+};
+
+struct TaskOptions {
+    std::string description; ///< shown to people who look at the queue
+};
+
+using RunCallback = UniqueFunction<bool(RunContext&)>;
+using FinishCallback = UniqueFunction<void(FinishContext&)>;
+
+/// A name and two callbacks, which live and die with it. Built and configured by one thread, then handed to a queue,
+/// whose threads call it.
+class KEP_API Task {
+public:
+    Task(std::string name, RunCallback run, FinishCallback finish);
+    ~Task();
+    Task(const Task&) = delete;
+    Task& operator=(const Task&) = delete;
+
+    /// Copies `options` into the task. Before it is submitted.
+    void setOptions(const TaskOptions& options);
+
+    const std::string& name() const noexcept { return name_; }
+    const TaskOptions& options() const noexcept { return options_; }
+
+    /// For the queue: call the callbacks, at most once each, run before finish. What they throw passes.
+    bool run(RunContext& context) { return run_(context); }
+    void finish(FinishContext& context) { finish_(context); }
+
+private:
+    std::string name_;
+    RunCallback run_;
+    FinishCallback finish_;
+    TaskOptions options_;
+};
+
+} // namespace Kep::Tasks

@@ -1,0 +1,129 @@
+#include "snmp/AgentSession.h"
+
+#include "Kep/Snmp/Exception.h"
+#include "snmp/CommunitySecurity.h"
+#include "snmp/EngineDiscovery.h"
+#include "snmp/Exchange.h"
+#include "snmp/ProfileCheck.h"
+#include "snmp/UsmSecurity.h"
+
+namespace Kep::Snmp {
+
+namespace {
+
+UsmKeys keysOf(const ProfileV3& profile, KeyCache& cache)
+{
+    const AuthProtocol auth{profile.authProtocol};
+    UsmKeys keys;
+    if (auth != AuthProtocol::none)
+        keys.authentication = cache.get(auth, profile.authPassword);
+    if (PrivacyProtocol{profile.privacyProtocol} != PrivacyProtocol::none)
+        keys.privacy = cache.get(auth, profile.privacyPassword);
+    return keys;
+}
+
+std::unique_ptr<Security> discover(Wire& wire, const ProfileV3& profile, KeyCache& cache)
+{
+    EngineDiscovery discovery;
+    exchange(wire, discovery, Question{});
+    return std::make_unique<UsmSecurity>(profile, keysOf(profile, cache), discovery.engine(), discovery.clock());
+}
+
+// Requires a checked profile.
+std::unique_ptr<Security> secure(Wire& wire, const Profile& profile, KeyCache& cache)
+{
+    if (const auto* const v1 = dynamic_cast<const ProfileV1*>(&profile))
+        return std::make_unique<CommunitySecurity>(SNMP_VERSION_1, v1->readCommunity);
+    if (const auto* const v2 = dynamic_cast<const ProfileV2*>(&profile))
+        return std::make_unique<CommunitySecurity>(SNMP_VERSION_2c, v2->readCommunity);
+    return discover(wire, dynamic_cast<const ProfileV3&>(profile), cache);
+}
+
+// Charges a session's budget for one request and the time until it is destroyed.
+class BudgetedRequest {
+public:
+    explicit BudgetedRequest(SessionBudget& budget) : budget_(budget) { budget_.charge(); }
+    ~BudgetedRequest() { budget_.spend(Wire::Clock::now() - start_); }
+    BudgetedRequest(const BudgetedRequest&) = delete;
+    BudgetedRequest& operator=(const BudgetedRequest&) = delete;
+
+    Wire::Clock::time_point limit() const { return start_ + budget_.left(); }
+
+private:
+    SessionBudget& budget_;
+    const Wire::Clock::time_point start_ = Wire::Clock::now();
+};
+
+} // namespace
+
+AgentSession::AgentSession(std::shared_ptr<Engine> engine, std::shared_ptr<const Profile> profile)
+    : engine_(std::move(engine)), profile_(std::move(profile))
+{}
+
+void AgentSession::open(const std::string& address)
+{
+    if (wire_)
+        throw Exception("the session is open already");
+    checkProfile(*profile_);
+    auto wire = std::make_unique<Wire>(address, profile_->port);
+    security_ = secure(*wire, *profile_, engine_->keys());
+    wire_ = std::move(wire);
+}
+
+void AgentSession::getNext(const std::string& oid, std::string& nextOid, Variant& value)
+{
+    const auto asked = Oid::parse(oid);
+    if (!asked)
+        throw Exception("\"" + oid + "\" is no object identifier");
+    Reply reply = askNext(*asked);
+    if (!reply.hasValue) {
+        nextOid = oid;
+        value = Variant();
+        return;
+    }
+    if (reply.oid < *asked)
+        fail("the agent went back: " + reply.oid.text() + " does not follow " + asked->text());
+    nextOid = reply.oid.text();
+    value = std::move(reply.value);
+}
+
+void AgentSession::get(const std::string& oid, Variant& value)
+{
+    const auto asked = Oid::parse(oid);
+    if (!asked) {
+        value = Variant("");
+        return;
+    }
+    Reply reply = ask({Question::Kind::get, *asked});
+    if (reply.bindings != 0 && reply.oid != *asked)
+        fail("the agent answered for " + reply.oid.text() + ", asked for " + asked->text());
+    value = reply.hasValue ? std::move(reply.value) : Variant("");
+}
+
+Reply AgentSession::askNext(const Oid& oid)
+{
+    const BudgetedRequest request(budget_);
+    return ask({Question::Kind::getNext, oid}, request.limit());
+}
+
+// An agent that has nothing (RFC 1157, section 4.1.2) gives a reply without bindings; otherwise there is exactly one.
+Reply AgentSession::ask(const Question& question, Wire::Clock::time_point limit)
+{
+    if (!wire_)
+        throw Exception("the session is not open");
+    Reply reply = exchange(*wire_, *security_, question, limit);
+    if (reply.errorStatus == SNMP_ERR_NOSUCHNAME)
+        return {};
+    if (reply.errorStatus != SNMP_ERR_NOERROR)
+        fail("the agent answered with error status " + std::to_string(reply.errorStatus));
+    if (reply.bindings != 1)
+        fail("the agent answered with " + std::to_string(reply.bindings) + " variable bindings, expected 1");
+    return reply;
+}
+
+void AgentSession::fail(const std::string& problem) const
+{
+    throw Exception(wire_->peer() + ": " + problem);
+}
+
+} // namespace Kep::Snmp

@@ -1,0 +1,36 @@
+/// The sessions that the factory makes.
+#pragma once
+
+#include "Kep/Snmp/Profile.h"
+#include "Kep/Snmp/Session.h"
+#include "snmp/Engine.h"
+#include "snmp/Request.h"
+#include "snmp/SessionBudget.h"
+#include "snmp/Wire.h"
+
+#include <memory>
+
+namespace Kep::Snmp {
+
+class AgentSession final : public Session {
+public:
+    /// Shares both.
+    AgentSession(std::shared_ptr<Engine> engine, std::shared_ptr<const Profile> profile);
+
+    void open(const std::string& address) override;
+    void getNext(const std::string& oid, std::string& nextOid, Variant& value) override;
+    void get(const std::string& oid, Variant& value) override;
+
+private:
+    Reply ask(const Question& question, Wire::Clock::time_point limit = Wire::Clock::time_point::max());
+    Reply askNext(const Oid& oid);
+    [[noreturn]] void fail(const std::string& problem) const;
+
+    const std::shared_ptr<Engine> engine_;
+    const std::shared_ptr<const Profile> profile_;
+    std::unique_ptr<Wire> wire_;         // null until open
+    std::unique_ptr<Security> security_; // null until open
+    SessionBudget budget_;
+};
+
+} // namespace Kep::Snmp

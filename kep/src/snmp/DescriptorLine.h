@@ -1,0 +1,32 @@
+/// Where those wait who found no descriptor free.
+#pragma once
+
+#include "Kep/Mutex.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace Kep::Snmp {
+
+/// Any thread; it synchronises itself.
+class DescriptorLine {
+public:
+    /// Calls `tryOpen` until it is true: at once, then whenever a descriptor was freed, and from time to time, since
+    /// the process has other descriptors than ours. One waiter at a time tries, the others queue up behind it. Passes
+    /// on what `tryOpen` throws.
+    void open(const std::function<bool()>& tryOpen);
+
+    /// A descriptor was freed.
+    void freed();
+
+private:
+    void waitForFreed(std::uint64_t seen);
+    std::uint64_t freedCount();
+
+    Mutex turn_; ///< held by the waiter whose turn it is
+    Mutex mutex_;
+    std::condition_variable changed_;
+    std::uint64_t freed_ KEP_GUARDED_BY(mutex_) = 0;
+};
+
+} // namespace Kep::Snmp

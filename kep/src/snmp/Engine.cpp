@@ -1,0 +1,20 @@
+#include "snmp/Engine.h"
+
+#include "snmp/Library.h"
+
+namespace Kep::Snmp {
+
+V3Engine::~V3Engine() = default;
+
+std::shared_ptr<V3Engine> V3Engine::get()
+{
+    static const auto engine = std::make_shared<Engine>();
+    return engine;
+}
+
+Engine::Engine()
+{
+    initialiseLibrary();
+}
+
+} // namespace Kep::Snmp

@@ -1,0 +1,165 @@
+#include "snmp/Request.h"
+
+#include "Kep/Snmp/Exception.h"
+#include "snmp/Values.h"
+
+#include <utility>
+
+namespace Kep::Snmp {
+
+namespace {
+
+int commandOf(Question::Kind kind)
+{
+    return kind == Question::Kind::getNext ? SNMP_MSG_GETNEXT : SNMP_MSG_GET;
+}
+
+netsnmp_session settingsOf(Security& security) KEP_REQUIRES(libraryMutex)
+{
+    netsnmp_session settings;
+    snmp_sess_init(&settings);
+    security.describe(settings);
+    return settings;
+}
+
+netsnmp_pdu* makePdu(Security& security, const Question& question) KEP_REQUIRES(libraryMutex)
+{
+    netsnmp_pdu* const pdu = snmp_pdu_create(commandOf(question.kind));
+    if (pdu == nullptr)
+        return nullptr;
+    const std::vector<oid> name(question.oid.arcs().begin(), question.oid.arcs().end());
+    const bool bound = name.empty() || snmp_add_null_var(pdu, name.data(), name.size()) != nullptr;
+    if (bound && security.complete(*pdu))
+        return pdu;
+    snmp_free_pdu(pdu);
+    return nullptr;
+}
+
+std::size_t countBindings(const netsnmp_pdu& pdu)
+{
+    std::size_t count = 0;
+    for (const auto* binding = pdu.variables; binding != nullptr; binding = binding->next_variable)
+        ++count;
+    return count;
+}
+
+Reply replyOf(const netsnmp_pdu& pdu) KEP_REQUIRES(libraryMutex)
+{
+    Reply reply;
+    reply.errorStatus = pdu.errstat;
+    reply.bindings = countBindings(pdu);
+    if (reply.bindings == 0)
+        return reply;
+    const netsnmp_variable_list& first = *pdu.variables;
+    reply.oid = oidOf(first.name, first.name_length);
+    reply.hasValue = hasValue(first);
+    if (reply.hasValue)
+        reply.value = valueOf(first);
+    return reply;
+}
+
+} // namespace
+
+Request::Request(Security& security, const Question& question) : security_(security)
+{
+    bool encoded = false;
+    {
+        const MutexLock lock(libraryMutex);
+        encoded = encode(question);
+    }
+    if (!encoded)
+        throw Exception("the SNMP request cannot be encoded");
+}
+
+bool Request::encode(const Question& question)
+{
+    const SecurityScope scope(security_);
+    netsnmp_session settings = settingsOf(security_);
+    if (!session_.open(settings, makeTransport(port_)))
+        return false;
+    netsnmp_pdu* const pdu = makePdu(security_, question);
+    if (pdu == nullptr)
+        return false;
+    if (snmp_sess_async_send(session_.handle(), pdu, &Request::onEvent, this) != 0)
+        return true;
+    snmp_free_pdu(pdu);
+    return false;
+}
+
+void Request::renew()
+{
+    if (!security_.renewsTries())
+        return;
+    const MutexLock lock(libraryMutex);
+    const SecurityScope scope(security_);
+    session_.resend();
+}
+
+Request::Progress Request::read(std::span<const unsigned char> datagram)
+{
+    int result = 0;
+    {
+        const MutexLock lock(libraryMutex);
+        const SecurityScope scope(security_);
+        port_.incoming = datagram;
+        progress_ = Progress::waiting;
+        result = snmp_sess_read2(session_.handle(), readyTransports());
+        port_.incoming = {};
+        if (progress_ == Progress::resend)
+            session_.resend();
+    }
+    if (thrown_)
+        std::rethrow_exception(std::exchange(thrown_, nullptr));
+    return result != 0 && progress_ == Progress::waiting ? Progress::unreadable : progress_;
+}
+
+// Called by the library; 1 when the message settles the request. Nothing may be thrown through it.
+int Request::onEvent(int event, netsnmp_session* /*session*/, int /*requestId*/, netsnmp_pdu* pdu, void* request)
+{
+    auto& self = *static_cast<Request*>(request);
+    if (event != NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE || pdu == nullptr)
+        return 1;
+    try {
+        return self.onMessage(*pdu) ? 1 : 0;
+    } catch (...) {
+        self.thrown_ = std::current_exception();
+        return 1;
+    }
+}
+
+bool Request::onMessage(netsnmp_pdu& pdu)
+{
+    if (pdu.command == SNMP_MSG_RESPONSE)
+        return onResponse(pdu);
+    return pdu.command == SNMP_MSG_REPORT && onReport(pdu);
+}
+
+bool Request::onResponse(const netsnmp_pdu& response)
+{
+    if (!security_.accepts(response))
+        return false;
+    reply_ = replyOf(response);
+    progress_ = Progress::done;
+    return true;
+}
+
+bool Request::onReport(netsnmp_pdu& report)
+{
+    switch (security_.onReport(report)) {
+    case ReportVerdict::ignored:
+        return false;
+    case ReportVerdict::satisfied:
+        progress_ = Progress::done;
+        return true;
+    case ReportVerdict::resend:
+        progress_ = Progress::resend;
+        return false;
+    case ReportVerdict::refused:
+        break;
+    }
+    refusal_ = reportText(reportKind(report));
+    progress_ = Progress::refused;
+    return true;
+}
+
+} // namespace Kep::Snmp

@@ -1,0 +1,7 @@
+#include "snmp/Security.h"
+
+namespace Kep::Snmp {
+
+Security::~Security() = default;
+
+} // namespace Kep::Snmp

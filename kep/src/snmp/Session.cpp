@@ -1,0 +1,7 @@
+#include "Kep/Snmp/Session.h"
+
+namespace Kep::Snmp {
+
+Session::~Session() = default;
+
+} // namespace Kep::Snmp

@@ -1,0 +1,36 @@
+/// A connected UDP socket.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace Kep::Snmp {
+
+/// Talks to one address and port; the system drops what others send, and tells when that port is closed. Used by one
+/// thread at a time. Failures are thrown as `std::system_error`; a closed port is `std::errc::connection_refused`.
+class UdpSocket {
+public:
+    /// Connects to `port` of `address`, a number whose most significant byte is the first octet. Waits as long as the
+    /// process or the system has no descriptor free.
+    UdpSocket(std::uint32_t address, std::uint16_t port);
+    ~UdpSocket();
+    UdpSocket(const UdpSocket&) = delete;
+    UdpSocket& operator=(const UdpSocket&) = delete;
+
+    /// Hands a datagram to the system. One that finds the system's buffers full is lost, as it may be on the way.
+    void send(std::span<const unsigned char> packet);
+
+    /// Sleeps until there is something to receive, also a failure; false when `deadline` passed first.
+    bool waitReadable(std::chrono::steady_clock::time_point deadline);
+
+    /// Takes one datagram into `buffer`, cut to its size, and gives its length; nothing when there is none.
+    std::optional<std::size_t> receive(std::span<unsigned char> buffer);
+
+private:
+    std::intptr_t handle_;
+};
+
+} // namespace Kep::Snmp

@@ -1,0 +1,66 @@
+#include "snmp/Wire.h"
+
+#include "Kep/Net.h"
+#include "Kep/Snmp/Exception.h"
+
+#include <memory>
+#include <system_error>
+
+namespace Kep::Snmp {
+
+namespace {
+
+constexpr std::size_t largestDatagram = 65535;
+
+std::uint32_t parseAddress(const std::string& address)
+{
+    unsigned long number = 0;
+    if (!Net::parseIpAddress(address, number))
+        throw Exception("\"" + address + "\" is no IPv4 address");
+    return static_cast<std::uint32_t>(number);
+}
+
+std::string reasonOf(const std::system_error& error)
+{
+    if (error.code() == std::errc::connection_refused)
+        return "the port is closed";
+    return error.code().message();
+}
+
+template <class Action> auto reported(const std::string& peer, Action action)
+{
+    try {
+        return action();
+    } catch (const std::system_error& error) {
+        throw Exception(peer + ": " + reasonOf(error));
+    }
+}
+
+} // namespace
+
+Wire::Wire(const std::string& address, std::uint16_t port)
+try : peer_(address + ":" + std::to_string(port)), socket_(parseAddress(address), port) {
+} catch (const std::system_error& error) {
+    throw Exception(address + ":" + std::to_string(port) + ": " + reasonOf(error));
+}
+
+void Wire::send(std::span<const unsigned char> packet)
+{
+    reported(peer_, [&] { socket_.send(packet); });
+}
+
+bool Wire::receive(Clock::time_point deadline, const Reader& read)
+{
+    while (reported(peer_, [&] { return socket_.waitReadable(deadline); })) {
+        // Not before there is something: most addresses never answer, and waiting for them takes no buffer.
+        const auto buffer = std::make_unique_for_overwrite<unsigned char[]>(largestDatagram);
+        const std::span room(buffer.get(), largestDatagram);
+        if (const auto size = reported(peer_, [&] { return socket_.receive(room); })) {
+            read(room.first(*size));
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace Kep::Snmp

@@ -1,0 +1,34 @@
+/// The traffic between a session and its agent: every packet of the engine is sent and received here.
+#pragma once
+
+#include "snmp/UdpSocket.h"
+
+#include <functional>
+#include <string>
+
+namespace Kep::Snmp {
+
+/// Used by one thread at a time. Failures throw `Exception`; a closed port is among them.
+class Wire {
+public:
+    using Clock = std::chrono::steady_clock;
+    using Reader = std::function<void(std::span<const unsigned char>)>;
+
+    /// Connects to `port` of `address`, a dotted quad. Waits its turn when no descriptor is free.
+    Wire(const std::string& address, std::uint16_t port);
+
+    void send(std::span<const unsigned char> packet);
+
+    /// Waits for a datagram from the agent, at most until `deadline`, and hands it to `read`. False when none came. A
+    /// passed deadline still takes what is already there.
+    bool receive(Clock::time_point deadline, const Reader& read);
+
+    /// For messages to people: address and port.
+    const std::string& peer() const noexcept { return peer_; }
+
+private:
+    std::string peer_;
+    UdpSocket socket_;
+};
+
+} // namespace Kep::Snmp

@@ -1,0 +1,7 @@
+#include "Kep/Tasks/IManager.h"
+
+namespace Kep::Tasks {
+
+IManager::~IManager() = default;
+
+} // namespace Kep::Tasks

@@ -1,0 +1,100 @@
+#include "lab/Agent.h"
+#include "lab/Error.h"
+#include "lab/Farm.h"
+#include "lab/Identity.h"
+#include "lab/Lifetime.h"
+#include "lab/LoopbackSocket.h"
+#include "lab/Options.h"
+#include "lab/TextLines.h"
+
+#include <exception>
+#include <iostream>
+
+namespace {
+
+constexpr int failed = 1;
+constexpr int usageError = 2;
+constexpr std::uint32_t repeats = 2;
+
+Lab::Farm buildFarm(const Lab::Options& options)
+{
+    const Lab::ProfileLibrary library =
+        options.profileFolder ? Lab::readProfiles(*options.profileFolder) : Lab::builtInProfiles();
+    const auto individuality = options.verbatim ? Lab::Individuality::Verbatim : Lab::Individuality::ByAddress;
+    if (options.planFile)
+        return Lab::readPlan(*options.planFile, Lab::readFile(*options.planFile), library, individuality);
+    const auto devices = options.devices.value_or(static_cast<std::uint32_t>(library.size()) + repeats);
+    return Lab::spreadFarm(Lab::Network::parse(options.network), library, {devices, options.printers, individuality});
+}
+
+void list(const Lab::Farm& farm)
+{
+    for (const Lab::Device& device : farm.devices())
+        std::cout << Lab::identityLine(device) << '\n';
+    std::cout.flush();
+}
+
+void announce(const Lab::Options& options, const Lab::Farm& farm, std::uint16_t port)
+{
+    std::cout << "printer-lab: " << (options.planFile ? "plan " + *options.planFile : options.network) << ", UDP port "
+              << port << ", " << farm.devices().size() << " devices, " << farm.printers() << " of them printers\n"
+              << "ready" << std::endl;
+}
+
+void add(Lab::LoopbackSocket::Counts& sum, const Lab::LoopbackSocket::Counts& more)
+{
+    sum.requests += more.requests;
+    sum.answers += more.answers;
+}
+
+Lab::LoopbackSocket::Counts answerRequests(const Lab::Options& options, const Lab::Farm& farm,
+                                           Lab::LoopbackSocket& socket, Lab::Lifetime& lifetime)
+{
+    Lab::Agent agent(options.community);
+    const Lab::LoopbackSocket::Answer answer = [&](Lab::ByteView request, Lab::Address asked,
+                                                   std::span<std::uint8_t> out) -> std::size_t {
+        const Lab::Device* device = farm.at(asked);
+        return device == nullptr ? 0 : agent.answer(request, *device, out);
+    };
+    Lab::LoopbackSocket::Counts counts;
+    while (lifetime.wait(socket, options.idleExit) == Lab::Lifetime::Event::Requests)
+        add(counts, socket.exchange(answer));
+    return counts;
+}
+
+void serve(const Lab::Options& options, const Lab::Farm& farm)
+{
+    Lab::Lifetime lifetime(options.untilStandardInputCloses);
+    Lab::LoopbackSocket socket(options.port);
+    announce(options, farm, socket.port());
+    const Lab::LoopbackSocket::Counts counts = answerRequests(options, farm, socket, lifetime);
+    if (options.statistics)
+        std::cerr << "printer-lab: " << counts.requests << " requests, " << counts.answers << " answers, "
+                  << socket.dropped() << " dropped\n";
+}
+
+int run(const Lab::Options& options)
+{
+    try {
+        const Lab::Farm farm = buildFarm(options);
+        if (options.list)
+            list(farm);
+        else
+            serve(options, farm);
+        return 0;
+    } catch (const Lab::Error& error) {
+        std::cerr << "printer-lab: " << error.what() << '\n';
+        return usageError;
+    } catch (const std::exception& error) {
+        std::cerr << "printer-lab: " << error.what() << '\n';
+        return failed;
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    const auto options = Lab::readOptions(argumentCount, arguments);
+    return std::holds_alternative<int>(options) ? std::get<int>(options) : run(std::get<Lab::Options>(options));
+}

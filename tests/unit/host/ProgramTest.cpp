@@ -1,0 +1,377 @@
+/// The built program as a user or a script meets it.
+#include "tests/unit/host/Process.h"
+#include "tests/unit/host/SilentAgent.h"
+#include "tests/unit/host/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace Host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class TheProgram : public testing::Test {
+protected:
+    TemporaryFolder folder;
+
+    /// The program with a configuration folder of the test's own.
+    Process::Options quiet() const { return {{"XDG_CONFIG_HOME=" + folder.file("config")}, false, {}}; }
+
+    static std::vector<std::string> command(std::vector<std::string> arguments)
+    {
+        arguments.insert(arguments.begin(), HOST_PROGRAM);
+        return arguments;
+    }
+
+    struct Ended {
+        int status;
+        std::string output;
+        std::string errors;
+    };
+
+    Ended run(const std::vector<std::string>& arguments, const Process::Options& options)
+    {
+        Process process(command(arguments), options);
+        const int status = process.wait();
+        return {status, process.output(), process.errors()};
+    }
+
+    Ended run(const std::vector<std::string>& arguments) { return run(arguments, quiet()); }
+
+    /// One address whose probe takes minutes.
+    std::vector<std::string> patientSweep(const SilentAgent& agent)
+    {
+        return command({"discover", "127.78.0.1", "--port", agent.port(), "-t", "30", "-r", "9", "--format", "json",
+                        "--no-names"});
+    }
+
+    static std::string startDocument(const std::string& cookie, const std::string& port)
+    {
+        return R"({"cookie":")" + cookie +
+               R"(","config":{"usePing":false,"pingTimeout":500,"snmpTimeout":500,)"
+               R"("includeRanges":[{"from":"127.78.0.1","to":"127.78.0.1"}],"excludeRanges":[],)"
+               R"("snmpProfile":{"snmpVersion":2,"snmpPort":)" +
+               port + R"(,"communityRead":"public","communityWrite":""}}})";
+    }
+
+    static void say(const Process& process, int id, const std::string& operation, const std::string& params)
+    {
+        process.write(R"({"jsonrpc":"2.0","id":)" + std::to_string(id) + R"(,"method":"PrinterDiscovery.)" + operation +
+                      R"(","params":)" + params + "}\n");
+    }
+};
+
+TEST_F(TheProgram, ShowsHelpAndVersion)
+{
+    const Ended help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.output, HasSubstr("Examples:"));
+    EXPECT_THAT(help.errors, IsEmpty());
+    EXPECT_EQ(run({"--version"}).status, 0);
+    EXPECT_EQ(run({"discover", "--help"}).status, 0);
+}
+
+TEST_F(TheProgram, EndsWith2AndNamesWhatIsWrongBeforeAnythingIsLoaded)
+{
+    const std::vector<std::pair<std::vector<std::string>, std::string>> wrong = {
+        {{}, "discover, serve or settings"},
+        {{"discover"}, "TARGET"},
+        {{"discover", "10.0.0.9-10.0.0.1"}, "\"10.0.0.9-10.0.0.1\" is reversed"},
+        {{"discover", "10.0.1.0"}, "\"10.0.1.0\" holds no address to probe"},
+        {{"discover", "127.0.0.1", "--plugin", "/nonexistent", "--port", "0"}, "--port"},
+        {{"discover", "127.0.0.1", "--frob"}, "--frob"},
+        {{"discover", "127.0.0.1", "-v", "3"}, "-u"},
+        {{"serve"}, "--stdio"},
+        {{"settings", "get", "no.such.key"}, "no.such.key"},
+        {{"settings", "set", "host.snmp.retries", "many"}, "host.snmp.retries"},
+    };
+    for (const auto& [arguments, named] : wrong) {
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.status, 2) << named;
+        EXPECT_THAT(ended.errors, AllOf(HasSubstr("printer-discovery: "), HasSubstr(named)));
+        EXPECT_THAT(ended.output, IsEmpty());
+    }
+}
+
+TEST_F(TheProgram, EndsWith1WhenThereIsNoPlugin)
+{
+    const Ended absent = run({"discover", "127.0.0.1", "--plugin", "/nonexistent.so"});
+    EXPECT_EQ(absent.status, 1);
+    EXPECT_THAT(absent.errors, HasSubstr("/nonexistent.so"));
+    const Ended other = run({"discover", "127.0.0.1", "--plugin", folder.write("text.so", "no library")});
+    EXPECT_EQ(other.status, 1);
+    EXPECT_THAT(other.output, IsEmpty());
+}
+
+TEST_F(TheProgram, EndsWith1WhenTheDataStoreIsNone)
+{
+    const std::string store = folder.write("settings.db", "this is no database, whatever its name may say about it");
+    for (const auto& arguments : {std::vector<std::string>{"discover", "127.0.0.1", "--data-store", store},
+                                  {"serve", "--stdio", "--data-store", store},
+                                  {"settings", "list", "--data-store", store}}) {
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_THAT(ended.errors, HasSubstr(store));
+    }
+}
+
+TEST_F(TheProgram, FindingNothingIsADocumentAndNothingElse)
+{
+    const Ended ended = run(
+        {"discover", "127.78.0.1-127.78.0.3", "--exclude", "127.78.0.2", "--port", closedPort(), "--format", "json"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output, "{\"step\":2,\"total\":2,\"state\":1,\"printers\":[]}\n");
+    EXPECT_EQ(ended.errors, "");
+}
+
+TEST_F(TheProgram, ARunOfNoAddressesFinishes)
+{
+    const Ended ended = run({"discover", "127.78.0.1", "--exclude", "127.78.0.0/24", "--format", "json"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output, "{\"step\":0,\"total\":0,\"state\":1,\"printers\":[]}\n");
+}
+
+TEST_F(TheProgram, PaintsProgressOnATerminalAndTheResultOnStandardOutput)
+{
+    const SilentAgent agent({"127.78.0.1"});
+    Process::Options options = quiet();
+    options.terminal = true;
+    const Ended ended = run({"discover", "127.78.0.1", "--port", agent.port(), "-t", "0.5", "-r", "0"}, options);
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output, "ADDRESS  NAME  SERIAL  MAC  HOST NAME\n");
+    EXPECT_THAT(ended.errors, AllOf(HasSubstr("\r0 of 1 probed, 0 printers found, 0:00"),
+                                    HasSubstr("1 of 1 addresses probed, 0 printers found in ")));
+}
+
+TEST_F(TheProgram, AnInterruptedRunPrintsWhatItHasWithoutWaitingForProbes)
+{
+    for (const int number : {SIGINT, SIGTERM}) {
+        const SilentAgent agent({"127.78.0.1"});
+        Process process(patientSweep(agent), quiet());
+        ASSERT_TRUE(agent.waitForRequest());
+        process.signal(number);
+        EXPECT_EQ(process.wait(), 130);
+        EXPECT_EQ(process.output(), "{\"step\":0,\"total\":1,\"state\":2,\"printers\":[],\"interrupted\":true}\n");
+        EXPECT_EQ(process.errors(), "");
+    }
+}
+
+TEST_F(TheProgram, LeavesAtOnceWhenInterruptedTwice)
+{
+    const SilentAgent agent({"127.78.0.1"});
+    Process::Options options = quiet();
+    options.terminal = true;
+    Process process(patientSweep(agent), options);
+    ASSERT_TRUE(agent.waitForRequest());
+    process.waitForError("0 of 1 probed");
+    process.signal(SIGINT);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200)); // two at once would count as one
+    process.signal(SIGINT);
+    EXPECT_EQ(process.wait(), 130);
+    EXPECT_EQ(process.output(), "");
+}
+
+TEST_F(TheProgram, HidesSecretsFromTheProcessList)
+{
+    const SilentAgent agent({"127.78.0.1"});
+    auto arguments = patientSweep(agent);
+    for (const char* argument : {"-v3", "-uadmin", "-lauthPriv", "-aSHA", "-A", "authentic", "-xAES", "-Xprivately"})
+        arguments.emplace_back(argument);
+    Process process(arguments, quiet());
+    ASSERT_TRUE(agent.waitForRequest());
+    EXPECT_THAT(process.shownCommandLine(),
+                AllOf(HasSubstr("127.78.0.1"), Not(HasSubstr("authentic")), Not(HasSubstr("privately"))));
+}
+
+TEST_F(TheProgram, TakesSecretsFromTheEnvironment)
+{
+    const std::vector<std::string> arguments = {"discover", "127.78.0.1", "--port", closedPort(), "-v", "3",
+                                                "-u",       "admin",      "-a",     "SHA",        "-x", "AES"};
+    EXPECT_EQ(run(arguments).status, 2);
+    Process::Options options = quiet();
+    options.environment.push_back("PRINTER_DISCOVERY_AUTH_PASSWORD=authentic");
+    options.environment.push_back("PRINTER_DISCOVERY_PRIV_PASSWORD=privately");
+    EXPECT_EQ(run(arguments, options).status, 0);
+}
+
+TEST_F(TheProgram, RefusesSecretFilesThatOthersCanRead)
+{
+    const std::string path = folder.write("community", "s3cret\n", std::filesystem::perms(0644));
+    const Ended ended = run({"discover", "127.78.0.1", "--community-file", path});
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_THAT(ended.errors, AllOf(HasSubstr(path), HasSubstr("chmod 600"), Not(HasSubstr("s3cret"))));
+}
+
+TEST_F(TheProgram, DoesNotOverlookAFailureToWrite)
+{
+    Process::Options options = quiet();
+    options.outputFile = "/dev/full";
+    for (const auto& arguments : {std::vector<std::string>{"discover", "127.78.0.1", "--port", closedPort()},
+                                  {"settings", "list"},
+                                  {"--help"}}) {
+        const Ended ended = run(arguments, options);
+        EXPECT_EQ(ended.status, 1);
+        EXPECT_THAT(ended.errors, HasSubstr("standard output"));
+    }
+}
+
+TEST_F(TheProgram, KeepsSettingsInTheUsersFolderForTheUserAlone)
+{
+    EXPECT_EQ(run({"settings", "get", "host.snmp.timeout"}).output, "1\n");
+    EXPECT_EQ(run({"settings", "set", "host.snmp.timeout", "2.5"}).status, 0);
+    EXPECT_EQ(run({"settings", "get", "host.snmp.timeout"}).output, "2.5\n");
+    namespace fs = std::filesystem;
+    const fs::path kept = folder.file("config/printer-discovery");
+    EXPECT_EQ(fs::status(kept).permissions(), fs::perms(0700));
+    EXPECT_EQ(fs::status(kept / "settings.db").permissions(), fs::perms(0600));
+    EXPECT_EQ(run({"settings", "unset", "host.snmp.timeout"}).status, 0);
+    EXPECT_EQ(run({"settings", "get", "host.snmp.timeout"}).output, "1\n");
+}
+
+TEST_F(TheProgram, ServesStatusWhileABlockingStartIsUnderWay)
+{
+    run({"settings", "set", "host.snmp.timeout", "1"});
+    run({"settings", "set", "host.snmp.retries", "9"});
+    const SilentAgent agent({"127.78.0.1"});
+    Process process(command({"serve", "--stdio"}), quiet());
+    say(process, 1, "startDiscoveryBlocking", startDocument("c", agent.port()));
+    ASSERT_TRUE(agent.waitForRequest());
+    for (int id = 2; id < 5; ++id) {
+        say(process, id, "getStatus", R"({"cookie":"c","firstIdx":0})");
+        EXPECT_EQ(process.line(),
+                  R"({"jsonrpc":"2.0","result":{"step":0,"total":1,"state":2,"cookie":"c","printers":[]},"id":)" +
+                      std::to_string(id) + "}");
+    }
+    process.closeInput();
+    EXPECT_EQ(process.line(), R"({"jsonrpc":"2.0","result":{"success":true},"id":1})");
+    EXPECT_EQ(process.wait(), 0);
+    EXPECT_EQ(process.output() + process.errors(), "");
+}
+
+TEST_F(TheProgram, ServesErrorsAsJsonRpcErrors)
+{
+    Process process(command({"serve", "--stdio"}), quiet());
+    say(process, 1, "getStatus", R"({"cookie":"c"})");
+    const Json failed = Json::parse(process.line());
+    EXPECT_EQ(failed["error"]["code"], -32000);
+    EXPECT_EQ(failed["error"]["message"], failed["error"]["data"]["message"]);
+    EXPECT_EQ(failed["error"]["data"]["code"], "internalServerError");
+    EXPECT_EQ(failed["error"]["data"]["operation"], (Json{{"service", ""}, {"operation", ""}, {"params", nullptr}}));
+    say(process, 2, "frobnicate", "{}");
+    EXPECT_EQ(Json::parse(process.line())["error"]["code"], -32601);
+    process.write("{\"s3cret\n");
+    EXPECT_THAT(process.line(), AllOf(HasSubstr("-32700"), Not(HasSubstr("s3cret"))));
+    process.write(std::string(17 * 1024 * 1024, 'x') + "\n");
+    EXPECT_THAT(process.line(), AllOf(HasSubstr("-32600"), HasSubstr("16777216")));
+    say(process, 3, "getServiceConfig", "{}");
+    EXPECT_EQ(Json::parse(process.line())["result"]["state"], "started");
+    EXPECT_EQ(process.wait(), 0);
+}
+
+TEST_F(TheProgram, ServesUntilItIsTerminated)
+{
+    const SilentAgent agent({"127.78.0.1"});
+    run({"settings", "set", "host.snmp.timeout", "60"});
+    Process process(command({"serve", "--stdio"}), quiet());
+    say(process, 1, "startDiscoveryBlocking", startDocument("c", agent.port()));
+    ASSERT_TRUE(agent.waitForRequest());
+    process.signal(SIGTERM);
+    EXPECT_EQ(process.wait(), 130);
+}
+
+TEST_F(TheProgram, CanBeInterruptedAfterTheEndOfInput)
+{
+    const SilentAgent agent({"127.78.0.1"});
+    run({"settings", "set", "host.snmp.timeout", "60"});
+    Process process(command({"serve", "--stdio"}), quiet());
+    say(process, 1, "startDiscoveryBlocking", startDocument("c", agent.port()));
+    ASSERT_TRUE(agent.waitForRequest());
+    process.closeInput();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300)); // the end of input comes before the signal
+    process.signal(SIGINT);
+    EXPECT_EQ(process.wait(), 130);
+}
+
+/// The devices of the lab on an address block of this test's own.
+class TheProgramAndTheLab : public TheProgram {
+protected:
+    static constexpr const char* Network = "127.79.0.0/24";
+
+    Process lab{{LAB_PROGRAM, "--network", Network, "--port", "0", "--until-stdin-closes"}};
+    std::string port = portOf(lab.line());
+
+    void SetUp() override { ASSERT_EQ(lab.line(), "ready"); }
+
+    static std::string portOf(const std::string& announcement)
+    {
+        const std::string before = "UDP port ";
+        const auto begin = announcement.find(before) + before.size();
+        return announcement.substr(begin, announcement.find(',', begin) - begin);
+    }
+
+    /// What a discovery should report, by the lab's own account.
+    static Json expectedPrinters()
+    {
+        Process list({LAB_PROGRAM, "--network", Network, "--list"});
+        EXPECT_EQ(list.wait(), 0);
+        Json printers = Json::array();
+        std::istringstream lines(list.output());
+        for (std::string line; std::getline(lines, line);) {
+            const Json device = Json::parse(line);
+            if (device["printer"])
+                printers.push_back({{"hostname", ""},
+                                    {"ip", device["ip"]},
+                                    {"mac", device["mac"]},
+                                    {"name", device["name"]},
+                                    {"sn", device["sn"]}});
+        }
+        return printers;
+    }
+
+    Ended sweep(const std::string& format)
+    {
+        return run({"discover", Network, "--port", port, "-t", "1", "-r", "2", "--no-names", "--format", format});
+    }
+};
+
+TEST_F(TheProgramAndTheLab, FindExactlyThePrinters)
+{
+    const Ended ended = sweep("json");
+    EXPECT_EQ(ended.status, 0);
+    const Json printers = expectedPrinters();
+    EXPECT_GT(printers.size(), 5U);
+    EXPECT_EQ(Json::parse(ended.output), (Json{{"step", 254}, {"total", 254}, {"state", 1}, {"printers", printers}}));
+    EXPECT_EQ(ended.errors, "");
+}
+
+TEST_F(TheProgramAndTheLab, GiveALineForEachPrinter)
+{
+    const Json printers = expectedPrinters();
+    for (const char* format : {"table", "csv"}) {
+        const Ended ended = sweep(format);
+        EXPECT_EQ(ended.status, 0);
+        for (const Json& printer : printers)
+            EXPECT_THAT(ended.output, AllOf(HasSubstr(printer["ip"].get<std::string>()),
+                                            HasSubstr(printer["sn"].get<std::string>())));
+        EXPECT_EQ(std::count(ended.output.begin(), ended.output.end(), '\n'), static_cast<long>(printers.size()) + 1);
+    }
+}
+
+} // namespace
+} // namespace Host

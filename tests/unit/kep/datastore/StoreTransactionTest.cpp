@@ -1,0 +1,80 @@
+#include "datastore/StoreTransaction.h"
+
+#include "Kep/Exception.h"
+#include "tests/unit/kep/datastore/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+using Kep::StoreTransaction;
+using Access = Kep::StoreTransaction::Access;
+
+namespace {
+
+class Transactions : public testing::Test {
+protected:
+    void put(const std::string& key, const std::string& value) const
+    {
+        StoreTransaction transaction(path_, Access::write);
+        transaction.set(key, value);
+        transaction.commit();
+    }
+
+    std::map<std::string, std::string> content() const { return StoreTransaction(path_, Access::read).list(""); }
+
+    TemporaryFolder folder_;
+    std::string path_ = folder_.file("store.db");
+};
+
+TEST_F(Transactions, AllOfOneIsThereOnceItIsCommitted)
+{
+    put("a", "1");
+    StoreTransaction transaction(path_, Access::write);
+    transaction.set("b", "2");
+    transaction.unset("a");
+    EXPECT_EQ(transaction.list(""), (std::map<std::string, std::string>{{"b", "2"}})) << "sees its own changes";
+    transaction.commit();
+    EXPECT_EQ(content(), (std::map<std::string, std::string>{{"b", "2"}}));
+}
+
+TEST_F(Transactions, DestroyedBeforeCommitLeavesTheStoreAsItWas)
+{
+    put("a", "1");
+    {
+        StoreTransaction transaction(path_, Access::write);
+        transaction.set("a", "2");
+        transaction.set("b", "2");
+    }
+    EXPECT_EQ(content(), (std::map<std::string, std::string>{{"a", "1"}}));
+}
+
+TEST_F(Transactions, ANewStoreThatWasNotCommittedIsEmptyAndUsable)
+{
+    {
+        StoreTransaction transaction(path_, Access::write);
+        transaction.set("a", "1");
+    }
+    EXPECT_TRUE(content().empty());
+    put("b", "2");
+    EXPECT_EQ(content(), (std::map<std::string, std::string>{{"b", "2"}}));
+}
+
+TEST_F(Transactions, TheJournalIsReadableByTheOwnerAlone)
+{
+    put("a", "1");
+    const mode_t previous = umask(0);
+    StoreTransaction transaction(path_, Access::write);
+    transaction.set("a", "2");
+    umask(previous);
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
+        struct stat status {};
+        ASSERT_EQ(stat(entry.path().c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777, 0600u) << entry.path();
+        ++files;
+    }
+    EXPECT_EQ(files, 2u) << "the store and its journal";
+}
+
+} // namespace

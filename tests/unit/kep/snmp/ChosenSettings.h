@@ -1,0 +1,13 @@
+/// The host settings, as a test wants them.
+#pragma once
+
+#include <chrono>
+
+/// From construction on, the settings in force have these values; the framework's own defaults afterwards.
+class ChosenSettings {
+public:
+    ChosenSettings(std::chrono::milliseconds timeout, int retries);
+    ~ChosenSettings();
+    ChosenSettings(const ChosenSettings&) = delete;
+    ChosenSettings& operator=(const ChosenSettings&) = delete;
+};
