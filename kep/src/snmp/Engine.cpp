@@ -1,5 +1,6 @@
 #include "snmp/Engine.h"
 
+#include "base/Immortal.h"
 #include "snmp/Library.h"
 
 namespace Kep::Snmp {
@@ -8,8 +9,8 @@ V3Engine::~V3Engine() = default;
 
 std::shared_ptr<V3Engine> V3Engine::get()
 {
-    static const auto engine = std::make_shared<Engine>();
-    return engine;
+    static Immortal<std::shared_ptr<Engine>> engine(std::make_shared<Engine>());
+    return *engine;
 }
 
 Engine::Engine()

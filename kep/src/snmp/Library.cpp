@@ -2,6 +2,8 @@
 
 #include "Kep/Snmp/Exception.h"
 
+#include <openssl/crypto.h>
+
 namespace Kep::Snmp {
 
 namespace {
@@ -41,6 +43,8 @@ bool startParts() KEP_REQUIRES(libraryMutex)
 bool initialiseOnce() KEP_EXCLUDES(libraryMutex)
 {
     const MutexLock lock(libraryMutex);
+    // Its clean-up at exit would come while probes still use it: they are waited for later, when plug-ins are detached.
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
     keepToItself();
     return startParts();
 }

@@ -1,3 +1,4 @@
+#include "base/Immortal.h"
 #include "snmp/DescriptorLine.h"
 #include "snmp/UdpSocket.h"
 
@@ -18,8 +19,8 @@ namespace {
 
 DescriptorLine& descriptorLine()
 {
-    static DescriptorLine line;
-    return line;
+    static Immortal<DescriptorLine> line;
+    return *line;
 }
 
 [[noreturn]] void throwLastError(const char* operation)

@@ -1,6 +1,7 @@
 #include "tasks/TaskQueue.h"
 
 #include "Kep/Exception.h"
+#include "base/Immortal.h"
 #include "settings/HostSettings.h"
 #include "tasks/CurrentCall.h"
 #include "tasks/DescriptorLimit.h"
@@ -68,14 +69,12 @@ TaskQueue::~TaskQueue()
 TaskQueue& TaskQueue::process()
 {
     struct Parts {
+        Parts() { raiseDescriptorLimit(); }
         SystemTaskThreads threads;
         TaskQueue queue{threads, {.limit = [] { return hostSettings().taskLimit; }}};
     };
-    static Parts& parts = *[] {
-        raiseDescriptorLimit();
-        return std::make_unique<Parts>().release(); // never destroyed
-    }();
-    return parts.queue;
+    static Immortal<Parts> parts;
+    return (*parts).queue;
 }
 
 std::uint32_t TaskQueue::submit(const std::shared_ptr<Tasks::Task>& task,
