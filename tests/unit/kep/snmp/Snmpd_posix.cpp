@@ -67,7 +67,8 @@ bool Snmpd::start()
     const std::string address = "udp:127.0.0.1:" + std::to_string(port_);
     const std::string logFile = folder_ / "log";
     const std::string persistent = "SNMP_PERSISTENT_DIR=" + (folder_ / "persistent").string();
-    const std::string configPath = "SNMPCONFPATH=" + folder_.string();
+    // The persistent folder too, or else the agent would be another engine after each start.
+    const std::string configPath = "SNMPCONFPATH=" + folder_.string() + ":" + (folder_ / "persistent").string();
     const std::array arguments{program, "-f", "-Lf",           logFile.c_str(),
                                "-m",    "",   address.c_str(), static_cast<const char*>(nullptr)};
     const std::array environment{persistent.c_str(), configPath.c_str(), static_cast<const char*>(nullptr)};
