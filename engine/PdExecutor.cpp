@@ -5,8 +5,6 @@
 #include "engine/IdentificationSettings.h"
 #include "engine/Time.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <optional>
 #include <utility>
 
@@ -15,13 +13,7 @@ namespace {
 
 constexpr int taskPriority = 0;
 
-/// Lets the next append succeed without memory. Grows by a factor, so that appends stay cheap.
-void makeRoomForOne(std::vector<std::uint32_t>& list)
-{
-    constexpr std::size_t smallest = 16;
-    if (list.size() == list.capacity())
-        list.reserve(std::max(smallest, 2 * list.capacity()));
-}
+constexpr std::uint32_t noTask = 0; // no task has this id
 
 } // namespace
 
@@ -99,7 +91,7 @@ void PdExecutor::testIp(const std::string& address)
 void PdExecutor::taskFinished(std::uint32_t taskId)
 {
     const Kep::MutexLock lock(mutex_);
-    const auto task = std::find(pendingTasks_.begin(), pendingTasks_.end(), taskId);
+    const auto task = pendingTasks_.find(taskId);
     if (task != pendingTasks_.end())
         pendingTasks_.erase(task);
 }
@@ -127,11 +119,12 @@ void PdExecutor::queueTestIpRanges(const std::vector<IpRangeText>& ranges)
 
 void PdExecutor::submit(const std::shared_ptr<Kep::Tasks::Task>& task)
 {
-    // Under the lock that the finish callback takes, so that it always finds the id; and with room for the id first,
-    // so that a task which is queued is never missing from the list.
+    // Under the lock that the finish callback takes, so that it always finds the id; and with a place for the id made
+    // first, so that a task which is queued is never missing from the list.
     const Kep::MutexLock lock(mutex_);
-    makeRoomForOne(pendingTasks_);
-    pendingTasks_.push_back(taskQueue_->submit(task, identificationSettings().discoveryTaskGroup, taskPriority));
+    auto place = pendingTasks_.extract(pendingTasks_.insert(noTask));
+    place.value() = taskQueue_->submit(task, identificationSettings().discoveryTaskGroup, taskPriority);
+    pendingTasks_.insert(std::move(place));
 }
 
 } // namespace PrinterDiscoveryPlugin

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace PrinterDiscoveryPlugin {
@@ -81,7 +82,7 @@ private:
     const std::vector<std::string> macAddressOids_;
     const std::shared_ptr<Kep::Tasks::IManager> taskQueue_;
     const ITaskBinding& binding_;
-    std::vector<std::uint32_t> pendingTasks_ KEP_GUARDED_BY(mutex_);
+    std::unordered_multiset<std::uint32_t> pendingTasks_ KEP_GUARDED_BY(mutex_);
     bool stopped_ KEP_GUARDED_BY(mutex_) = false;
 };
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace Kep {
@@ -12,7 +13,8 @@ namespace Kep {
 struct HostSettings {
     std::chrono::milliseconds snmpTimeout{1000}; ///< of one try ("host.snmp.timeout", in seconds)
     int snmpRetries = 1;                         ///< tries after the first ("host.snmp.retries")
-    std::size_t taskLimit = 4096;                ///< tasks that run at once ("host.tasks.limit")
+    int snmpRate = 5000;                         ///< packets a second, 0 for no limit ("host.snmp.rate")
+    std::optional<std::size_t> taskLimit;        ///< tasks that run at once, or chosen ("host.tasks.limit")
     bool netbiosNames = true;                    ///< "host.names.netbios"
     bool dnsNames = true;                        ///< "host.names.dns"
 };

@@ -10,8 +10,9 @@
 namespace Kep {
 namespace {
 
-constexpr std::string_view atInit = "when the plug-in is next initialised";
-constexpr std::string_view atServiceStart = "when the service PrinterDiscovery is next started";
+constexpr std::string_view atInit = "at the next start of the program";
+constexpr std::string_view atServiceStart = "at the next start of the service PrinterDiscovery";
+constexpr std::string_view automatic = "auto";
 constexpr std::string_view onOrOff = "on or off";
 constexpr std::string_view oid = "an object identifier, dotted, with a leading dot";
 constexpr std::string_view oidList =
@@ -40,9 +41,19 @@ bool takeRetries(HostSettings& settings, std::string_view value)
     return put(settings.snmpRetries, readInteger(value, 0, 10));
 }
 
+bool takeRate(HostSettings& settings, std::string_view value)
+{
+    return put(settings.snmpRate, readInteger(value, 0, 1'000'000));
+}
+
 bool takeTaskLimit(HostSettings& settings, std::string_view value)
 {
-    return put(settings.taskLimit, readInteger(value, 1, 65536));
+    const auto limit = readInteger(value, 1, 65536);
+    if (!limit && value != automatic) {
+        return false;
+    }
+    settings.taskLimit = limit;
+    return true;
 }
 
 bool takeNetbios(HostSettings& settings, std::string_view value)
@@ -86,8 +97,12 @@ const std::vector<SettingEntry>& settingTable()
         {{"host.snmp.retries", "1", "How often an unanswered SNMP request is sent again.", "a number from 0 to 10",
           atInit},
          takeRetries},
-        {{"host.tasks.limit", "4096", "How many addresses are probed at once at most.", "a number from 1 to 65536",
-          atInit},
+        {{"host.snmp.rate", "5000", "How many SNMP packets are sent in a second at most; 0 is no limit.",
+          "a number from 0 to 1000000", atInit},
+         takeRate},
+        {{"host.tasks.limit", automatic,
+          "How many addresses are probed at once at most; auto is what the rate can use and the machine can give.",
+          "auto, or a number from 1 to 65536", atInit},
          takeTaskLimit},
         {{"host.names.netbios", "on", "Whether printers are asked for their NetBIOS name.", onOrOff, atInit},
          takeNetbios},

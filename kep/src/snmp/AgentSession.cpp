@@ -39,11 +39,11 @@ std::unique_ptr<Security> secure(Wire& wire, const Profile& profile, KeyCache& c
     return discover(wire, dynamic_cast<const ProfileV3&>(profile), cache);
 }
 
-// Charges a session's budget for one request and the time until it is destroyed.
+// Charges a session's budget for one request and the time until it is destroyed, less that which the wire held it up.
 class BudgetedRequest {
 public:
-    explicit BudgetedRequest(SessionBudget& budget) : budget_(budget) { budget_.charge(); }
-    ~BudgetedRequest() { budget_.spend(Wire::Clock::now() - start_); }
+    BudgetedRequest(SessionBudget& budget, const Wire& wire) : budget_(budget), wire_(wire) { budget_.charge(); }
+    ~BudgetedRequest() { budget_.spend(Wire::Clock::now() - start_ - (wire_.held() - heldBefore_)); }
     BudgetedRequest(const BudgetedRequest&) = delete;
     BudgetedRequest& operator=(const BudgetedRequest&) = delete;
 
@@ -51,7 +51,9 @@ public:
 
 private:
     SessionBudget& budget_;
+    const Wire& wire_;
     const Wire::Clock::time_point start_ = Wire::Clock::now();
+    const Wire::Clock::duration heldBefore_ = wire_.held();
 };
 
 } // namespace
@@ -102,15 +104,15 @@ void AgentSession::get(const std::string& oid, Variant& value)
 
 Reply AgentSession::askNext(const Oid& oid)
 {
-    const BudgetedRequest request(budget_);
+    requireOpen();
+    const BudgetedRequest request(budget_, *wire_);
     return ask({Question::Kind::getNext, oid}, request.limit());
 }
 
 // An agent that has nothing (RFC 1157, section 4.1.2) gives a reply without bindings; otherwise there is exactly one.
 Reply AgentSession::ask(const Question& question, Wire::Clock::time_point limit)
 {
-    if (!wire_)
-        throw Exception("the session is not open");
+    requireOpen();
     Reply reply = exchange(*wire_, *security_, question, limit);
     if (reply.errorStatus == SNMP_ERR_NOSUCHNAME)
         return {};
@@ -119,6 +121,12 @@ Reply AgentSession::ask(const Question& question, Wire::Clock::time_point limit)
     if (reply.bindings != 1)
         fail("the agent answered with " + std::to_string(reply.bindings) + " variable bindings, expected 1");
     return reply;
+}
+
+void AgentSession::requireOpen() const
+{
+    if (!wire_)
+        throw Exception("the session is not open");
 }
 
 void AgentSession::fail(const std::string& problem) const

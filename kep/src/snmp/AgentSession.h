@@ -24,6 +24,7 @@ public:
 private:
     Reply ask(const Question& question, Wire::Clock::time_point limit = Wire::Clock::time_point::max());
     Reply askNext(const Oid& oid);
+    void requireOpen() const;
     [[noreturn]] void fail(const std::string& problem) const;
 
     const std::shared_ptr<Engine> engine_;

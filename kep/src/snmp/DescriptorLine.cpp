@@ -13,16 +13,19 @@ void DescriptorLine::open(const std::function<bool()>& tryOpen)
     if (tryOpen())
         return;
     const MutexLock turn(turn_);
-    for (std::uint64_t seen = freedCount(); !tryOpen(); seen = freedCount())
+    waited_ = true;
+    for (std::uint64_t seen = freed_; !tryOpen(); seen = freed_)
         waitForFreed(seen);
+    waited_ = false;
 }
 
+// Nobody waits as a rule, and then the lock is left alone.
 void DescriptorLine::freed()
 {
-    {
-        const MutexLock lock(mutex_);
-        ++freed_;
-    }
+    ++freed_;
+    if (!waited_)
+        return;
+    const MutexLock lock(mutex_);
     changed_.notify_one();
 }
 
@@ -32,12 +35,6 @@ void DescriptorLine::waitForFreed(std::uint64_t seen)
     const auto deadline = std::chrono::steady_clock::now() + retryInterval;
     while (freed_ == seen && lock.waitUntil(changed_, deadline)) {
     }
-}
-
-std::uint64_t DescriptorLine::freedCount()
-{
-    const MutexLock lock(mutex_);
-    return freed_;
 }
 
 } // namespace Kep::Snmp

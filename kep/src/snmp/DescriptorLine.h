@@ -3,6 +3,7 @@
 
 #include "Kep/Mutex.h"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 
@@ -21,12 +22,12 @@ public:
 
 private:
     void waitForFreed(std::uint64_t seen);
-    std::uint64_t freedCount();
 
     Mutex turn_; ///< held by the waiter whose turn it is
-    Mutex mutex_;
+    std::atomic<bool> waited_{false};
+    std::atomic<std::uint64_t> freed_{0};
+    Mutex mutex_; ///< between the last look at `freed_` and the sleep
     std::condition_variable changed_;
-    std::uint64_t freed_ KEP_GUARDED_BY(mutex_) = 0;
 };
 
 } // namespace Kep::Snmp

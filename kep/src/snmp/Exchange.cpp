@@ -19,18 +19,27 @@ public:
 
     Reply run()
     {
-        wire_.send(request_.packet());
+        send();
         for (int tries = 1; !waitOneTry(); ++tries) {
             if (tries > settings_.snmpRetries || Clock::now() >= limit_)
                 throwUnanswered(tries);
             request_.renew();
-            wire_.send(request_.packet());
+            send();
         }
         return request_.reply();
     }
 
 private:
     Clock::time_point deadline() const { return std::min(Clock::now() + settings_.snmpTimeout, limit_); }
+
+    // The time that the packet waits for its turn is not the agent's.
+    void send()
+    {
+        const auto heldBefore = wire_.held();
+        wire_.send(request_.packet());
+        if (limit_ != Clock::time_point::max())
+            limit_ += wire_.held() - heldBefore;
+    }
 
     // Whether the answer came.
     bool waitOneTry()
@@ -44,7 +53,7 @@ private:
             if (progress == Request::Progress::refused)
                 throw Exception(wire_.peer() + ": " + request_.refusal());
             if (progress == Request::Progress::resend) {
-                wire_.send(request_.packet());
+                send();
                 until = deadline();
             }
             heardNonsense_ = heardNonsense_ || progress == Request::Progress::unreadable;
@@ -65,7 +74,7 @@ private:
     Wire& wire_;
     Request request_;
     const HostSettings settings_;
-    const Clock::time_point limit_;
+    Clock::time_point limit_;
     bool heardNonsense_ = false;
 };
 

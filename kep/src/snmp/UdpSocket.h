@@ -14,7 +14,7 @@ namespace Kep::Snmp {
 class UdpSocket {
 public:
     /// Connects to `port` of `address`, a number whose most significant byte is the first octet. Waits as long as the
-    /// process or the system has no descriptor free.
+    /// process or the system has no descriptor, local port or memory for it.
     UdpSocket(std::uint32_t address, std::uint16_t port);
     ~UdpSocket();
     UdpSocket(const UdpSocket&) = delete;

@@ -28,9 +28,10 @@ DescriptorLine& descriptorLine()
     throw std::system_error(errno, std::generic_category(), operation);
 }
 
-bool outOfDescriptors(int error)
+// No descriptor, no local port, or no memory: others will give theirs back.
+bool isShortage(int error)
 {
-    return error == EMFILE || error == ENFILE;
+    return error == EMFILE || error == ENFILE || error == EAGAIN || error == ENOBUFS || error == ENOMEM;
 }
 
 bool isPassing(int error)
@@ -38,22 +39,40 @@ bool isPassing(int error)
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
 }
 
-int openSocket()
+sockaddr_in peerOf(std::uint32_t address, std::uint16_t port)
+{
+    sockaddr_in peer{};
+    peer.sin_family = AF_INET;
+    peer.sin_port = htons(port);
+    peer.sin_addr.s_addr = htonl(address);
+    return peer;
+}
+
+// A socket connected to `peer`; -1 for now, with `errno` saying what is short.
+int tryConnect(const sockaddr_in& peer)
+{
+    const int handle = ::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (handle < 0)
+        return -1;
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface wants it so
+    if (::connect(handle, reinterpret_cast<const sockaddr*>(&peer), sizeof peer) == 0)
+        return handle;
+    const int error = errno;
+    ::close(handle);
+    errno = error;
+    return -1;
+}
+
+int openSocket(const sockaddr_in& peer)
 {
     int handle = -1;
-    descriptorLine().open([&handle] {
-        handle = ::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-        if (handle < 0 && !outOfDescriptors(errno))
-            throwLastError("socket");
+    descriptorLine().open([&handle, &peer] {
+        handle = tryConnect(peer);
+        if (handle < 0 && !isShortage(errno))
+            throwLastError("connect");
         return handle >= 0;
     });
     return handle;
-}
-
-void closeSocket(int handle)
-{
-    ::close(handle);
-    descriptorLine().freed();
 }
 
 int pollTimeout(std::chrono::steady_clock::time_point deadline)
@@ -64,23 +83,12 @@ int pollTimeout(std::chrono::steady_clock::time_point deadline)
 
 } // namespace
 
-UdpSocket::UdpSocket(std::uint32_t address, std::uint16_t port) : handle_(openSocket())
-{
-    sockaddr_in peer{};
-    peer.sin_family = AF_INET;
-    peer.sin_port = htons(port);
-    peer.sin_addr.s_addr = htonl(address);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface wants it so
-    if (::connect(static_cast<int>(handle_), reinterpret_cast<const sockaddr*>(&peer), sizeof peer) == 0)
-        return;
-    const int error = errno;
-    closeSocket(static_cast<int>(handle_));
-    throw std::system_error(error, std::generic_category(), "connect");
-}
+UdpSocket::UdpSocket(std::uint32_t address, std::uint16_t port) : handle_(openSocket(peerOf(address, port))) {}
 
 UdpSocket::~UdpSocket()
 {
-    closeSocket(static_cast<int>(handle_));
+    ::close(static_cast<int>(handle_));
+    descriptorLine().freed();
 }
 
 void UdpSocket::send(std::span<const unsigned char> packet)

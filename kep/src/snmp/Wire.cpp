@@ -2,15 +2,37 @@
 
 #include "Kep/Net.h"
 #include "Kep/Snmp/Exception.h"
+#include "base/Immortal.h"
+#include "settings/HostSettings.h"
+#include "snmp/PacketPacer.h"
 
 #include <memory>
 #include <system_error>
+#include <thread>
 
 namespace Kep::Snmp {
 
 namespace {
 
 constexpr std::size_t largestDatagram = 65535;
+
+// One for all packets of the process.
+PacketPacer& pacer()
+{
+    static Immortal<PacketPacer> instance;
+    return *instance;
+}
+
+// Sleeps until the next packet may be sent; for how long.
+Wire::Clock::duration waitForTurn()
+{
+    const auto now = Wire::Clock::now();
+    const auto turn = pacer().next(hostSettings().snmpRate, now);
+    if (turn <= now)
+        return {};
+    std::this_thread::sleep_until(turn);
+    return Wire::Clock::now() - now;
+}
 
 std::uint32_t parseAddress(const std::string& address)
 {
@@ -46,6 +68,7 @@ try : peer_(address + ":" + std::to_string(port)), socket_(parseAddress(address)
 
 void Wire::send(std::span<const unsigned char> packet)
 {
+    held_ += waitForTurn();
     reported(peer_, [&] { socket_.send(packet); });
 }
 

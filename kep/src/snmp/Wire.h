@@ -14,10 +14,14 @@ public:
     using Clock = std::chrono::steady_clock;
     using Reader = std::function<void(std::span<const unsigned char>)>;
 
-    /// Connects to `port` of `address`, a dotted quad. Waits its turn when no descriptor is free.
+    /// Connects to `port` of `address`, a dotted quad. Waits its turn when the system has no socket to give.
     Wire(const std::string& address, std::uint16_t port);
 
+    /// Sends when the host's packet rate allows it, and sleeps until then.
     void send(std::span<const unsigned char> packet);
+
+    /// How long `send` has slept in all: time that is nobody's but the host's own.
+    Clock::duration held() const noexcept { return held_; }
 
     /// Waits for a datagram from the agent, at most until `deadline`, and hands it to `read`. False when none came. A
     /// passed deadline still takes what is already there.
@@ -29,6 +33,7 @@ public:
 private:
     std::string peer_;
     UdpSocket socket_;
+    Clock::duration held_{};
 };
 
 } // namespace Kep::Snmp

@@ -3,8 +3,9 @@
 #include "Kep/Exception.h"
 #include "base/Immortal.h"
 #include "settings/HostSettings.h"
+#include "tasks/Capacity.h"
 #include "tasks/CurrentCall.h"
-#include "tasks/DescriptorLimit.h"
+#include "tasks/SleeperTable.h"
 
 #include <algorithm>
 #include <utility>
@@ -69,9 +70,10 @@ TaskQueue::~TaskQueue()
 TaskQueue& TaskQueue::process()
 {
     struct Parts {
-        Parts() { raiseDescriptorLimit(); }
+        Parts() { makeRoomForSleepers(); }
+        const std::size_t most = Host::taskCapacity().tasks;
         SystemTaskThreads threads;
-        TaskQueue queue{threads, {.limit = [] { return hostSettings().taskLimit; }}};
+        TaskQueue queue{threads, {.limit = [most = most] { return taskLimit(hostSettings(), most); }}};
     };
     static Immortal<Parts> parts;
     return (*parts).queue;

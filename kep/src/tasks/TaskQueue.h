@@ -51,8 +51,8 @@ public:
     TaskQueue(const TaskQueue&) = delete;
     TaskQueue& operator=(const TaskQueue&) = delete;
 
-    /// The queue of this process, limited by the host settings. Never destroyed: its threads outlive all static
-    /// objects. The first call raises the process's limit of open descriptors.
+    /// The queue of this process, limited by the host settings and what the machine can give. Never destroyed: its
+    /// threads outlive all static objects. The first call raises the process's limit of open descriptors.
     static TaskQueue& process();
 
     /// Queues `task` on the account of `owner`, under the current call of this thread, and returns its id. See

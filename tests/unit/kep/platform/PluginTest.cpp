@@ -170,7 +170,7 @@ TEST_F(PluginObject, InitPutsTheHostSettingsInForce)
     EXPECT_TRUE(Kep::hostSettings().dnsNames);
     init("{}");
     EXPECT_EQ(Kep::hostSettings().snmpRetries, 1);
-    EXPECT_EQ(Kep::hostSettings().taskLimit, 4096u);
+    EXPECT_FALSE(Kep::hostSettings().taskLimit.has_value());
 }
 
 TEST_F(PluginObject, AFailedInitLeavesTheSettingsInForce)

@@ -40,6 +40,7 @@ void expectSame(const Kep::HostSettings& left, const Kep::HostSettings& right)
 {
     EXPECT_EQ(left.snmpTimeout, right.snmpTimeout);
     EXPECT_EQ(left.snmpRetries, right.snmpRetries);
+    EXPECT_EQ(left.snmpRate, right.snmpRate);
     EXPECT_EQ(left.taskLimit, right.taskLimit);
     EXPECT_EQ(left.netbiosNames, right.netbiosNames);
     EXPECT_EQ(left.dnsNames, right.dnsNames);
@@ -55,8 +56,8 @@ TEST_F(Settings, AreListedWithTheirKeysOnce)
         EXPECT_FALSE(setting.effect.empty());
     }
     EXPECT_EQ(keys, (std::vector<std::string_view>{
-                        "host.snmp.timeout", "host.snmp.retries", "host.tasks.limit", "host.names.netbios",
-                        "host.names.dns", "services.PrinterDiscovery.macAddressOids",
+                        "host.snmp.timeout", "host.snmp.retries", "host.snmp.rate", "host.tasks.limit",
+                        "host.names.netbios", "host.names.dns", "services.PrinterDiscovery.macAddressOids",
                         "services.PrinterDiscovery.oidDeviceType", "services.PrinterDiscovery.oidDeviceTypePrinter"}));
 }
 
@@ -87,11 +88,23 @@ TEST_F(Settings, CountsHaveTheirLimits)
 {
     accepts("host.snmp.retries", {"0", "10"});
     refuses("host.snmp.retries", {"", "-1", "11", "1.5", "one", "99999999999999999999", "1 "});
-    accepts("host.tasks.limit", {"1", "65536"});
-    refuses("host.tasks.limit", {"", "0", "65537", "-5", "4k"});
-    applyHostSettings({{"host.snmp.retries", "0"}, {"host.tasks.limit", "65536"}});
+    accepts("host.snmp.rate", {"0", "1", "1000000"});
+    refuses("host.snmp.rate", {"", "-1", "1000001", "5000.5", "fast", "5k", "auto"});
+    accepts("host.tasks.limit", {"1", "65536", "auto"});
+    refuses("host.tasks.limit", {"", "0", "65537", "-5", "4k", "automatic"});
+    applyHostSettings({{"host.snmp.retries", "0"}, {"host.snmp.rate", "0"}, {"host.tasks.limit", "65536"}});
     EXPECT_EQ(hostSettings().snmpRetries, 0);
+    EXPECT_EQ(hostSettings().snmpRate, 0);
     EXPECT_EQ(hostSettings().taskLimit, 65536u);
+}
+
+TEST_F(Settings, TaskLimitCanBeLeftToTheHost)
+{
+    EXPECT_FALSE(hostSettings().taskLimit.has_value());
+    applyHostSettings({{"host.tasks.limit", "7"}});
+    EXPECT_EQ(hostSettings().taskLimit, 7u);
+    applyHostSettings({{"host.tasks.limit", "auto"}});
+    EXPECT_FALSE(hostSettings().taskLimit.has_value());
 }
 
 TEST_F(Settings, NamesAreSwitchedEachOnItsOwn)
@@ -179,7 +192,7 @@ TEST_F(Settings, ReadersNeverSeeHalfAChange)
             for (int round = 0; round < 300; ++round) {
                 const auto settings = hostSettings();
                 EXPECT_TRUE(static_cast<std::size_t>(settings.snmpRetries) == settings.taskLimit ||
-                            settings.taskLimit == 4096);
+                            !settings.taskLimit.has_value());
             }
         });
     }

@@ -23,11 +23,12 @@ Kep::HostSettings Kep::hostSettings()
     return inForce;
 }
 
-ChosenSettings::ChosenSettings(std::chrono::milliseconds timeout, int retries)
+ChosenSettings::ChosenSettings(std::chrono::milliseconds timeout, int retries, int rate)
 {
     Kep::HostSettings settings;
     settings.snmpTimeout = timeout;
     settings.snmpRetries = retries;
+    settings.snmpRate = rate;
     put(settings);
 }
 
