@@ -105,6 +105,19 @@ Bytes encodeUnsigned(std::uint64_t value)
     return out;
 }
 
+Bytes concatenate(std::initializer_list<ByteView> parts)
+{
+    Bytes all;
+    for (const ByteView part : parts)
+        all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+Bytes integerElement(std::int64_t value)
+{
+    return encodeElement(Tag::integer, encodeSigned(value));
+}
+
 std::size_t headerSize(std::size_t size)
 {
     return size < longForm ? 2 : 2 + lengthBytes(size);

@@ -31,6 +31,7 @@ constexpr std::uint8_t endOfMibView = 0x82;
 constexpr std::uint8_t getRequest = 0xA0;
 constexpr std::uint8_t getNextRequest = 0xA1;
 constexpr std::uint8_t response = 0xA2;
+constexpr std::uint8_t report = 0xA8;
 } // namespace Tag
 
 /// One element: its tag, its contents, and all of its bytes.
@@ -68,6 +69,12 @@ Bytes encodeElement(std::uint8_t tag, ByteView contents);
 /// first bit is set).
 Bytes encodeSigned(std::int64_t value);
 Bytes encodeUnsigned(std::uint64_t value);
+
+/// A whole INTEGER.
+Bytes integerElement(std::int64_t value);
+
+/// `parts` one after another.
+Bytes concatenate(std::initializer_list<ByteView> parts);
 
 /// How many bytes tag and length take before contents of `size` bytes.
 std::size_t headerSize(std::size_t size);

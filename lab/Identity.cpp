@@ -71,6 +71,8 @@ std::string identityLine(const Device& device)
     nlohmann::ordered_json line{{"ip", formatIpv4(device.address())},
                                 {"profile", toUtf8(device.profile().name())},
                                 {"printer", identity.isPrinter}};
+    if (device.profile().isHostile())
+        line["hostile"] = true;
     if (identity.isPrinter) {
         line["name"] = toUtf8(identity.name);
         line["mac"] = identity.mac;

@@ -19,8 +19,9 @@ struct Identity {
 bool isPrinter(const Profile& profile);
 Identity identityOf(const Device& device);
 
-/// One line of JSON (without its end): "ip", "profile", "printer", and for a printer "name", "mac" and "sn". A byte
-/// that is not part of valid UTF-8 stands as the Latin-1 character of its number.
+/// One line of JSON (without its end): "ip", "profile", "printer", "hostile" for a device that is, and for a printer
+/// "name", "mac" and "sn": what a hostile one would report if it were honest. A byte that is not part of valid UTF-8
+/// stands as the Latin-1 character of its number.
 std::string identityLine(const Device& device);
 
 } // namespace Lab

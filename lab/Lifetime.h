@@ -21,9 +21,9 @@ public:
     explicit Lifetime(bool untilStandardInputCloses);
     ~Lifetime();
 
-    /// Waits for requests at `socket` or an end, which goes before; `Silence` when neither comes in `patience`.
-    /// Throws `std::system_error`.
-    Event wait(const LoopbackSocket& socket, std::optional<std::chrono::seconds> patience);
+    /// Waits for requests at `socket` or an end, which goes before; `Silence` when neither comes in `patience`, which
+    /// may be none. Throws `std::system_error`.
+    Event wait(const LoopbackSocket& socket, std::optional<std::chrono::milliseconds> patience);
 
 private:
     class System;

@@ -44,10 +44,10 @@ bool hasEnded(int descriptor)
     return count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN);
 }
 
-int milliseconds(std::optional<std::chrono::seconds> patience)
+int milliseconds(std::optional<std::chrono::milliseconds> patience)
 {
-    constexpr std::int64_t longest = std::numeric_limits<int>::max();
-    return patience ? static_cast<int>(std::min(std::chrono::milliseconds(*patience).count(), longest)) : -1;
+    constexpr std::chrono::milliseconds::rep longest = std::numeric_limits<int>::max();
+    return patience ? static_cast<int>(std::clamp<std::chrono::milliseconds::rep>(patience->count(), 0, longest)) : -1;
 }
 
 } // namespace
@@ -87,7 +87,7 @@ Lifetime::Lifetime(bool untilStandardInputCloses) : _system(std::make_unique<Sys
 
 Lifetime::~Lifetime() = default;
 
-Lifetime::Event Lifetime::wait(const LoopbackSocket& socket, std::optional<std::chrono::seconds> patience)
+Lifetime::Event Lifetime::wait(const LoopbackSocket& socket, std::optional<std::chrono::milliseconds> patience)
 {
     return _system->wait(static_cast<int>(socket.handle()), milliseconds(patience));
 }

@@ -17,9 +17,15 @@ namespace Lab {
 
 class LoopbackSocket {
 public:
-    /// Writes an answer to the front of `out` and returns its size; 0 to stay silent. `asked` is the address that the
-    /// request was sent to, from which the answer then comes.
-    using Answer = std::function<std::size_t(ByteView request, Address asked, std::span<std::uint8_t> out)>;
+    /// The address that a request was sent to, from which the answer comes, and where it came from.
+    struct Ends {
+        Address asked = 0;
+        Address peer = 0;
+        std::uint16_t peerPort = 0;
+    };
+
+    /// Writes an answer to the front of `out` and returns its size; 0 to stay silent.
+    using Answer = std::function<std::size_t(ByteView request, const Ends& ends, std::span<std::uint8_t> out)>;
 
     struct Counts {
         std::uint64_t requests = 0;
@@ -36,6 +42,12 @@ public:
     /// requests and answers that were. An answer that the system refuses to send is dropped. Throws
     /// `std::system_error` when nothing can be received any more.
     Counts exchange(const Answer& answer);
+
+    /// Sends a datagram, to `ends.peer` from `ends.asked`. False when the system refuses it.
+    bool send(ByteView datagram, const Ends& ends);
+
+    /// As `send`, but from a port that is not this one.
+    static bool sendFromOtherPort(ByteView datagram, const Ends& ends);
 
     /// How many datagrams the system has dropped because they came faster than they were taken.
     [[nodiscard]] std::uint64_t dropped() const;

@@ -65,12 +65,19 @@ void enlargeReceiveBuffer(int descriptor)
         ::setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
 }
 
-void bindPort(int descriptor, std::uint16_t port)
+sockaddr_in systemAddress(Address address, std::uint16_t port)
 {
-    sockaddr_in any{};
-    any.sin_family = AF_INET;
-    any.sin_port = htons(port);
-    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&any), sizeof any) != 0)
+    sockaddr_in result{};
+    result.sin_family = AF_INET;
+    result.sin_port = htons(port);
+    result.sin_addr.s_addr = htonl(address);
+    return result;
+}
+
+void bindTo(int descriptor, Address address, std::uint16_t port)
+{
+    const sockaddr_in place = systemAddress(address, port);
+    if (::bind(descriptor, reinterpret_cast<const sockaddr*>(&place), sizeof place) != 0)
         fail("cannot open UDP port " + std::to_string(port));
 }
 
@@ -127,7 +134,7 @@ public:
     {
         keepToLoopback(_socket);
         enlargeReceiveBuffer(_socket);
-        bindPort(_socket, port);
+        bindTo(_socket, INADDR_ANY, port);
     }
 
     Counts exchange(const Answer& answer)
@@ -137,6 +144,16 @@ public:
         for (std::size_t i = 0; i < received; ++i)
             answers += prepareAnswer(i, answers, answer) ? 1 : 0;
         return {received, send(answers)};
+    }
+
+    bool sendOne(ByteView datagram, const Ends& ends)
+    {
+        Slot& slot = _slots.front();
+        slot.peer = systemAddress(ends.peer, ends.peerPort);
+        iovec vector{const_cast<std::uint8_t*>(datagram.data()), datagram.size()};
+        msghdr message = header(slot, vector);
+        setSource(message, ends.asked);
+        return ::sendmsg(_socket, &message, MSG_NOSIGNAL) >= 0;
     }
 
     [[nodiscard]] int descriptor() const { return _socket; }
@@ -158,14 +175,14 @@ private:
     {
         Slot& slot = _slots[index];
         const in_pktinfo arrival = arrivalOf(_received[index].msg_hdr);
-        const Address asked = ntohl(arrival.ipi_addr.s_addr);
-        if (static_cast<unsigned>(arrival.ipi_ifindex) != _loopback || !isLoopback(asked))
+        const Ends ends{ntohl(arrival.ipi_addr.s_addr), ntohl(slot.peer.sin_addr.s_addr), ntohs(slot.peer.sin_port)};
+        if (static_cast<unsigned>(arrival.ipi_ifindex) != _loopback || !isLoopback(ends.asked))
             return false;
-        slot.answerVector.iov_len = answer(ByteView(slot.request).first(_received[index].msg_len), asked, slot.answer);
+        slot.answerVector.iov_len = answer(ByteView(slot.request).first(_received[index].msg_len), ends, slot.answer);
         if (slot.answerVector.iov_len == 0)
             return false;
         _sent[answers].msg_hdr = header(slot, slot.answerVector);
-        setSource(_sent[answers].msg_hdr, asked);
+        setSource(_sent[answers].msg_hdr, ends.asked);
         return true;
     }
 
@@ -208,6 +225,20 @@ std::uint16_t LoopbackSocket::port() const
 LoopbackSocket::Counts LoopbackSocket::exchange(const Answer& answer)
 {
     return _system->exchange(answer);
+}
+
+bool LoopbackSocket::send(ByteView datagram, const Ends& ends)
+{
+    return _system->sendOne(datagram, ends);
+}
+
+bool LoopbackSocket::sendFromOtherPort(ByteView datagram, const Ends& ends)
+{
+    const Descriptor other(openSocket());
+    bindTo(other, ends.asked, 0);
+    const sockaddr_in peer = systemAddress(ends.peer, ends.peerPort);
+    return ::sendto(other, datagram.data(), datagram.size(), MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&peer),
+                    sizeof peer) >= 0;
 }
 
 std::uint64_t LoopbackSocket::dropped() const

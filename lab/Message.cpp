@@ -10,11 +10,6 @@ std::optional<BerElement> nextInteger(BerReader& reader)
     return element && readInteger32(element->contents) ? element : std::nullopt;
 }
 
-Bytes integerElement(std::int64_t value)
-{
-    return encodeElement(Tag::integer, encodeSigned(value));
-}
-
 std::size_t elementSize(std::size_t contentsSize)
 {
     return headerSize(contentsSize) + contentsSize;

@@ -43,7 +43,8 @@ void describeRun(CLI::App& app, Options& options, std::optional<std::uint32_t>& 
         ->type_name("NUMBER")
         ->check(CLI::Range(0, static_cast<int>(std::numeric_limits<std::uint16_t>::max())))
         ->capture_default_str();
-    app.add_option("--community", options.community, "Community that is answered; others meet silence")
+    app.add_option("--community", options.community,
+                   "Community that is answered, in version 3 the user; others meet silence")
         ->type_name("TEXT")
         ->capture_default_str();
     app.add_option("--idle-exit", idleSeconds, "End after this time without a request")
@@ -60,8 +61,9 @@ void describeRun(CLI::App& app, Options& options, std::optional<std::uint32_t>& 
 
 std::variant<Options, int> readOptions(int argumentCount, const char* const* arguments)
 {
-    CLI::App app("Answers as printers and other devices on loopback addresses, over SNMP version 1 and 2c.",
-                 "printer-lab");
+    CLI::App app(
+        "Answers as printers and other devices on loopback addresses, over SNMP version 1, 2c and 3 (noAuthNoPriv).",
+        "printer-lab");
     Options options;
     std::optional<std::uint32_t> idleSeconds;
     describeFarm(app, options);

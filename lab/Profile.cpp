@@ -17,7 +17,8 @@ Record::Record(Oid theOid, Value theValue)
       encodedOid(encodeElement(Tag::objectId, encodeOidContents(oid))), encodedValue(value.encoded())
 {}
 
-Profile::Profile(std::string name, std::vector<Record> records) : _name(std::move(name)), _records(std::move(records))
+Profile::Profile(std::string name, std::vector<Record> records, TrickMaker trickMaker)
+    : _name(std::move(name)), _records(std::move(records)), _makeTrick(trickMaker)
 {
     std::sort(_records.begin(), _records.end(),
               [](const Record& left, const Record& right) { return left.oid < right.oid; });

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "lab/Value.h"
+#include "lab/hostile/Trick.h"
 
 #include <memory>
 #include <string>
@@ -23,11 +24,16 @@ struct Record {
 
 class Profile {
 public:
-    /// Takes `records` in any order; no OID may occur twice.
-    Profile(std::string name, std::vector<Record> records);
+    /// Takes `records` in any order; no OID may occur twice. With `trickMaker` its devices are hostile.
+    Profile(std::string name, std::vector<Record> records, TrickMaker trickMaker = nullptr);
 
     [[nodiscard]] const std::string& name() const { return _name; }
     [[nodiscard]] const std::vector<Record>& records() const { return _records; }
+
+    [[nodiscard]] bool isHostile() const { return _makeTrick != nullptr; }
+
+    /// A trick for one device. Requires a hostile profile.
+    [[nodiscard]] Trick makeTrick() const { return _makeTrick(); }
 
     /// The record of exactly this OID; null when there is none. Owned by the profile, as the other's result is.
     [[nodiscard]] const Record* find(Arcs oid) const;
@@ -38,6 +44,7 @@ public:
 private:
     std::string _name;
     std::vector<Record> _records;
+    TrickMaker _makeTrick;
 };
 
 using ProfilePtr = std::shared_ptr<const Profile>;

@@ -1,11 +1,9 @@
-#include "lab/Agent.h"
 #include "lab/Error.h"
-#include "lab/Farm.h"
 #include "lab/Identity.h"
-#include "lab/Lifetime.h"
-#include "lab/LoopbackSocket.h"
 #include "lab/Options.h"
+#include "lab/Server.h"
 #include "lab/TextLines.h"
+#include "lab/hostile/HostileProfiles.h"
 
 #include <exception>
 #include <iostream>
@@ -18,11 +16,13 @@ constexpr std::uint32_t repeats = 2;
 
 Lab::Farm buildFarm(const Lab::Options& options)
 {
-    const Lab::ProfileLibrary library =
+    Lab::ProfileLibrary library =
         options.profileFolder ? Lab::readProfiles(*options.profileFolder) : Lab::builtInProfiles();
     const auto individuality = options.verbatim ? Lab::Individuality::Verbatim : Lab::Individuality::ByAddress;
-    if (options.planFile)
+    if (options.planFile) {
+        library.merge(Lab::hostileProfiles());
         return Lab::readPlan(*options.planFile, Lab::readFile(*options.planFile), library, individuality);
+    }
     const auto devices = options.devices.value_or(static_cast<std::uint32_t>(library.size()) + repeats);
     return Lab::spreadFarm(Lab::Network::parse(options.network), library, {devices, options.printers, individuality});
 }
@@ -41,33 +41,13 @@ void announce(const Lab::Options& options, const Lab::Farm& farm, std::uint16_t 
               << "ready" << std::endl;
 }
 
-void add(Lab::LoopbackSocket::Counts& sum, const Lab::LoopbackSocket::Counts& more)
-{
-    sum.requests += more.requests;
-    sum.answers += more.answers;
-}
-
-Lab::LoopbackSocket::Counts answerRequests(const Lab::Options& options, const Lab::Farm& farm,
-                                           Lab::LoopbackSocket& socket, Lab::Lifetime& lifetime)
-{
-    Lab::Agent agent(options.community);
-    const Lab::LoopbackSocket::Answer answer = [&](Lab::ByteView request, Lab::Address asked,
-                                                   std::span<std::uint8_t> out) -> std::size_t {
-        const Lab::Device* device = farm.at(asked);
-        return device == nullptr ? 0 : agent.answer(request, *device, out);
-    };
-    Lab::LoopbackSocket::Counts counts;
-    while (lifetime.wait(socket, options.idleExit) == Lab::Lifetime::Event::Requests)
-        add(counts, socket.exchange(answer));
-    return counts;
-}
-
 void serve(const Lab::Options& options, const Lab::Farm& farm)
 {
     Lab::Lifetime lifetime(options.untilStandardInputCloses);
     Lab::LoopbackSocket socket(options.port);
     announce(options, farm, socket.port());
-    const Lab::LoopbackSocket::Counts counts = answerRequests(options, farm, socket, lifetime);
+    const Lab::LoopbackSocket::Counts counts =
+        Lab::Server(farm, options.community, socket).run(lifetime, options.idleExit);
     if (options.statistics)
         std::cerr << "printer-lab: " << counts.requests << " requests, " << counts.answers << " answers, "
                   << socket.dropped() << " dropped\n";

@@ -25,7 +25,7 @@ UsmKeys keysOf(const ProfileV3& profile, KeyCache& cache)
 std::unique_ptr<Security> discover(Wire& wire, const ProfileV3& profile, KeyCache& cache)
 {
     EngineDiscovery discovery;
-    exchange(wire, discovery, Question{});
+    takeReply(exchange(wire, discovery, Question{}));
     return std::make_unique<UsmSecurity>(profile, keysOf(profile, cache), discovery.engine(), discovery.clock());
 }
 
@@ -77,7 +77,7 @@ void AgentSession::getNext(const std::string& oid, std::string& nextOid, Variant
     const auto asked = Oid::parse(oid);
     if (!asked)
         throw Exception("\"" + oid + "\" is no object identifier");
-    Reply reply = askNext(*asked);
+    Reply reply = takeReply(askNext(*asked));
     if (!reply.hasValue) {
         nextOid = oid;
         value = Variant();
@@ -96,13 +96,13 @@ void AgentSession::get(const std::string& oid, Variant& value)
         value = Variant("");
         return;
     }
-    Reply reply = ask({Question::Kind::get, *asked});
+    Reply reply = takeReply(ask({Question::Kind::get, *asked}));
     if (reply.bindings != 0 && reply.oid != *asked)
         fail("the agent answered for " + reply.oid.text() + ", asked for " + asked->text());
     value = reply.hasValue ? std::move(reply.value) : Variant("");
 }
 
-Reply AgentSession::askNext(const Oid& oid)
+Answer AgentSession::askNext(const Oid& oid)
 {
     requireOpen();
     const BudgetedRequest request(budget_, *wire_);
@@ -110,17 +110,24 @@ Reply AgentSession::askNext(const Oid& oid)
 }
 
 // An agent that has nothing (RFC 1157, section 4.1.2) gives a reply without bindings; otherwise there is exactly one.
-Reply AgentSession::ask(const Question& question, Wire::Clock::time_point limit)
+Answer AgentSession::ask(const Question& question, Wire::Clock::time_point limit)
 {
     requireOpen();
-    Reply reply = exchange(*wire_, *security_, question, limit);
-    if (reply.errorStatus == SNMP_ERR_NOSUCHNAME)
-        return {};
+    Answer answer = exchange(*wire_, *security_, question, limit);
+    if (const auto* const reply = std::get_if<Reply>(&answer)) {
+        if (reply->errorStatus == SNMP_ERR_NOSUCHNAME)
+            return Reply{};
+        check(*reply);
+    }
+    return answer;
+}
+
+void AgentSession::check(const Reply& reply) const
+{
     if (reply.errorStatus != SNMP_ERR_NOERROR)
         fail("the agent answered with error status " + std::to_string(reply.errorStatus));
     if (reply.bindings != 1)
         fail("the agent answered with " + std::to_string(reply.bindings) + " variable bindings, expected 1");
-    return reply;
 }
 
 void AgentSession::requireOpen() const

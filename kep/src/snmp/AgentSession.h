@@ -4,7 +4,7 @@
 #include "Kep/Snmp/Profile.h"
 #include "Kep/Snmp/Session.h"
 #include "snmp/Engine.h"
-#include "snmp/Request.h"
+#include "snmp/Exchange.h"
 #include "snmp/SessionBudget.h"
 #include "snmp/Wire.h"
 
@@ -22,8 +22,9 @@ public:
     void get(const std::string& oid, Variant& value) override;
 
 private:
-    Reply ask(const Question& question, Wire::Clock::time_point limit = Wire::Clock::time_point::max());
-    Reply askNext(const Oid& oid);
+    Answer ask(const Question& question, Wire::Clock::time_point limit = Wire::Clock::time_point::max());
+    Answer askNext(const Oid& oid);
+    void check(const Reply& reply) const;
     void requireOpen() const;
     [[noreturn]] void fail(const std::string& problem) const;
 

@@ -17,12 +17,12 @@ public:
         : wire_(wire), request_(security, question), settings_(hostSettings()), limit_(limit)
     {}
 
-    Reply run()
+    Answer run()
     {
         send();
         for (int tries = 1; !waitOneTry(); ++tries) {
             if (tries > settings_.snmpRetries || Clock::now() >= limit_)
-                throwUnanswered(tries);
+                return unanswered(tries);
             request_.renew();
             send();
         }
@@ -63,12 +63,12 @@ private:
         return false;
     }
 
-    [[noreturn]] void throwUnanswered(int tries) const
+    Exception unanswered(int tries) const
     {
         const std::string what = heardNonsense_ ? "no readable answer" : "no answer";
-        throw Exception(wire_.peer() + ": " + what + " in " + std::to_string(tries) +
-                        (tries == 1 ? " try of " : " tries of ") + std::to_string(settings_.snmpTimeout.count()) +
-                        " ms");
+        return Exception(wire_.peer() + ": " + what + " in " + std::to_string(tries) +
+                         (tries == 1 ? " try of " : " tries of ") + std::to_string(settings_.snmpTimeout.count()) +
+                         " ms");
     }
 
     Wire& wire_;
@@ -80,7 +80,14 @@ private:
 
 } // namespace
 
-Reply exchange(Wire& wire, Security& security, const Question& question, Clock::time_point limit)
+Reply takeReply(Answer answer)
+{
+    if (const auto* const failure = std::get_if<Exception>(&answer))
+        throw Exception(*failure);
+    return std::get<Reply>(std::move(answer));
+}
+
+Answer exchange(Wire& wire, Security& security, const Question& question, Clock::time_point limit)
 {
     return Exchange(wire, security, question, limit).run();
 }

@@ -20,12 +20,12 @@ LibrarySession::~LibrarySession()
     snmp_sess_close(handle_);
 }
 
-bool LibrarySession::open(netsnmp_session& settings, netsnmp_transport* transport)
+bool LibrarySession::open(netsnmp_session& settings, netsnmp_transport* transport, MessageHook onMessage)
 {
     if (transport == nullptr)
         return false;
     settings.timeout = 0; // requests expire at once, so that `resend` may come at any time
-    handle_ = snmp_sess_add(&settings, transport, nullptr, nullptr);
+    handle_ = snmp_sess_add(&settings, transport, nullptr, onMessage);
     if (handle_ == nullptr)
         return false;
     // Cleared by the call above; without it the library would ask for the engine itself and wait for the answer.

@@ -24,10 +24,10 @@ netsnmp_session settingsOf(Security& security) KEP_REQUIRES(libraryMutex)
 
 netsnmp_pdu* makePdu(Security& security, const Question& question) KEP_REQUIRES(libraryMutex)
 {
-    netsnmp_pdu* const pdu = snmp_pdu_create(commandOf(question.kind));
+    const std::vector<oid> name(question.oid.arcs().begin(), question.oid.arcs().end());
+    netsnmp_pdu* const pdu = snmp_pdu_create(commandOf(question.kind)); // from here on nothing throws
     if (pdu == nullptr)
         return nullptr;
-    const std::vector<oid> name(question.oid.arcs().begin(), question.oid.arcs().end());
     const bool bound = name.empty() || snmp_add_null_var(pdu, name.data(), name.size()) != nullptr;
     if (bound && security.complete(*pdu))
         return pdu;
@@ -75,15 +75,18 @@ bool Request::encode(const Question& question)
 {
     const SecurityScope scope(security_);
     netsnmp_session settings = settingsOf(security_);
-    if (!session_.open(settings, makeTransport(port_)))
+    settings.callback_magic = this;
+    if (!session_.open(settings, makeTransport(port_), &Request::onRead))
         return false;
     netsnmp_pdu* const pdu = makePdu(security_, question);
     if (pdu == nullptr)
         return false;
-    if (snmp_sess_async_send(session_.handle(), pdu, &Request::onEvent, this) != 0)
-        return true;
-    snmp_free_pdu(pdu);
-    return false;
+    if (snmp_sess_async_send(session_.handle(), pdu, &Request::onEvent, this) == 0) {
+        snmp_free_pdu(pdu);
+        return false;
+    }
+    messageId_ = pdu->msgid; // the library keeps it until the request is settled
+    return true;
 }
 
 void Request::renew()
@@ -113,17 +116,42 @@ Request::Progress Request::read(std::span<const unsigned char> datagram)
     return result != 0 && progress_ == Progress::waiting ? Progress::unreadable : progress_;
 }
 
-// Called by the library; 1 when the message settles the request. Nothing may be thrown through it.
+// Called by the library for what becomes of the request; 1 when a message settles it.
 int Request::onEvent(int event, netsnmp_session* /*session*/, int /*requestId*/, netsnmp_pdu* pdu, void* request)
 {
     auto& self = *static_cast<Request*>(request);
+    if (event == NETSNMP_CALLBACK_OP_RESEND && pdu != nullptr)
+        self.messageId_ = pdu->msgid;
     if (event != NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE || pdu == nullptr)
         return 1;
+    return self.handle(*pdu) ? 1 : 0;
+}
+
+// Called by the library for every message, before it looks for the request that the message belongs to.
+int Request::onRead(netsnmp_session* session, netsnmp_pdu* pdu, int result)
+{
+    auto& self = *static_cast<Request*>(session->callback_magic);
+    if (self.isReportFromAnotherEngine(*pdu, result))
+        self.handle(*pdu);
+    return 1;
+}
+
+// An agent that is no longer the engine we ask says so under the ID of the engine that it is (RFC 3414, section
+// 3.2 (3)). The library knows no user there and would drop the report.
+bool Request::isReportFromAnotherEngine(const netsnmp_pdu& pdu, int result) const
+{
+    return result == SNMPERR_USM_UNKNOWNSECURITYNAME && pdu.command == SNMP_MSG_REPORT &&
+           pdu.securityLevel == SNMP_SEC_LEVEL_NOAUTH && pdu.msgid == messageId_;
+}
+
+// Whether the message settles the request. Nothing may be thrown through the library.
+bool Request::handle(netsnmp_pdu& pdu) noexcept
+{
     try {
-        return self.onMessage(*pdu) ? 1 : 0;
+        return onMessage(pdu);
     } catch (...) {
-        self.thrown_ = std::current_exception();
-        return 1;
+        thrown_ = std::current_exception();
+        return true;
     }
 }
 

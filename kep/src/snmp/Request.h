@@ -66,12 +66,16 @@ private:
     bool encode(const Question& question) KEP_REQUIRES(libraryMutex);
     static int onEvent(int event, netsnmp_session* session, int requestId, netsnmp_pdu* pdu, void* request)
         KEP_REQUIRES(libraryMutex);
+    static int onRead(netsnmp_session* session, netsnmp_pdu* pdu, int result) KEP_REQUIRES(libraryMutex);
+    bool isReportFromAnotherEngine(const netsnmp_pdu& pdu, int result) const;
+    bool handle(netsnmp_pdu& pdu) noexcept KEP_REQUIRES(libraryMutex);
     bool onMessage(netsnmp_pdu& pdu) KEP_REQUIRES(libraryMutex);
     bool onResponse(const netsnmp_pdu& response) KEP_REQUIRES(libraryMutex);
     bool onReport(netsnmp_pdu& report) KEP_REQUIRES(libraryMutex);
 
     Security& security_;
     PacketPort port_;
+    long messageId_ = 0; // of the message sent last (RFC 3412, section 6.2)
     Progress progress_ = Progress::waiting;
     Reply reply_;
     std::string refusal_;

@@ -13,9 +13,9 @@ constexpr char community[] = "public"; ///< the simulator names communities and 
 
 /// Copies a recording to where the simulator finds it. It trusts an index only if its file is younger in whole
 /// seconds, hence the earlier time.
-void placeRecording(const fs::path& recording, const fs::path& folder)
+void placeRecording(const fs::path& recording, const fs::path& folder, const std::string& context = community)
 {
-    const fs::path copy = folder / (std::string(community) + ".snmprec");
+    const fs::path copy = folder / (context + ".snmprec");
     fs::copy_file(recording, copy);
     fs::permissions(copy, fs::perms(0644));
     fs::last_write_time(copy, fs::file_time_type::clock::now() - std::chrono::hours(1));
@@ -33,10 +33,13 @@ std::string engineId(std::size_t number)
     return text;
 }
 
-/// The simulator's name for a privacy protocol. Its own "AES256" has the 3DES-style key extension.
+/// The simulator's name for a privacy protocol. Its own "AES192" and "AES256" have the 3DES-style key extension.
 std::string simulatorPrivacy(const std::string& protocol)
 {
-    return protocol == "AES192" || protocol == "AES256" ? protocol + "BLMT" : protocol;
+    static const std::map<std::string, std::string> names = {
+        {"AES-192", "AES192BLMT"}, {"AES-256", "AES256BLMT"}, {"AES-192-C", "AES192"}, {"AES-256-C", "AES256"}};
+    const auto known = names.find(protocol);
+    return known == names.end() ? protocol : known->second;
 }
 
 std::string userOptions(const SnmpProfile& profile)
@@ -63,9 +66,9 @@ std::string usersOptions(const std::vector<SnmpProfile>& profiles)
 
 } // namespace
 
-Snmpsim::Snmpsim(const std::map<std::string, fs::path>& devices, std::uint16_t port,
-                 const std::vector<SnmpProfile>& profiles)
-    : process_(std::make_unique<ChildProcess>(prepare(devices, port, profiles)))
+Snmpsim::Snmpsim(const Files& devices, std::uint16_t port, const std::vector<SnmpProfile>& profiles,
+                 const Files& contexts)
+    : process_(std::make_unique<ChildProcess>(prepare(devices, port, profiles, contexts)))
 {
     waitUntilAnswers(*process_, {devices.rbegin()->first, port}, v2c(community), nullptr);
 }
@@ -78,8 +81,8 @@ SnmpProfile Snmpsim::reaching(SnmpProfile profile)
     return profile;
 }
 
-Command Snmpsim::prepare(const std::map<std::string, fs::path>& devices, std::uint16_t port,
-                         const std::vector<SnmpProfile>& profiles)
+Command Snmpsim::prepare(const Files& devices, std::uint16_t port, const std::vector<SnmpProfile>& profiles,
+                         const Files& contexts)
 {
     const fs::path cache = folder_.makeFolder("cache");
     fs::permissions(cache, fs::perms(0777));
@@ -88,6 +91,9 @@ Command Snmpsim::prepare(const std::map<std::string, fs::path>& devices, std::ui
     for (const auto& [address, recording] : devices) {
         const fs::path folder = folder_.makeFolder(std::to_string(number));
         placeRecording(recording, folder);
+        for (const auto& [context, held] : contexts) {
+            placeRecording(held, folder, context);
+        }
         options += "--v3-engine-id=" + engineId(number) + "\n--data-dir=" + folder.string() + "\n" +
                    usersOptions(profiles) + "--agent-udpv4-endpoint=" + Endpoint{address, port}.text() + "\n";
         ++number;

@@ -1,5 +1,5 @@
 // The port on 127.0.0.0/8, in a network namespace of the test's own that also has an address that is not loopback.
-#include "lab/LoopbackSocket.h"
+#include "lab/Outbox.h"
 
 #include <gmock/gmock.h>
 
@@ -98,9 +98,9 @@ private:
 };
 
 /// Says everybody's address.
-std::size_t echo(ByteView request, Address asked, std::span<std::uint8_t> out)
+std::size_t echo(ByteView request, const LoopbackSocket::Ends& ends, std::span<std::uint8_t> out)
 {
-    const std::string text = std::string(request.begin(), request.end()) + " " + formatIpv4(asked);
+    const std::string text = std::string(request.begin(), request.end()) + " " + formatIpv4(ends.asked);
     std::copy(text.begin(), text.end(), out.begin());
     return text.size();
 }
@@ -153,6 +153,53 @@ TEST(LoopbackPort, AnswersEachOfManyClients)
     });
 }
 
+TEST(LoopbackPort, SendsLaterInTheOrderOfTheirTime)
+{
+    EXPECT_IN_OWN_NETWORK([] {
+        LoopbackSocket socket(0);
+        const Client client("127.0.0.1", socket.port());
+        LoopbackSocket::Ends ends;
+        socket.exchange([&](ByteView, const LoopbackSocket::Ends& seen, std::span<std::uint8_t>) -> std::size_t {
+            ends = seen;
+            return 0;
+        });
+        Outbox outbox;
+        const auto now = Outbox::Clock::now();
+        outbox.put(now + std::chrono::seconds(2), {{'2'}, ends});
+        outbox.put(now + std::chrono::seconds(1), {{'1'}, ends});
+        outbox.put(now + std::chrono::seconds(1), {{'!'}, ends});
+        std::string taken = client.received();
+        const bool early = outbox.sendDue(socket, now) == 0 && outbox.nextDue() == now + std::chrono::seconds(1);
+        const auto first = outbox.sendDue(socket, now + std::chrono::seconds(1));
+        const auto second = outbox.sendDue(socket, now + std::chrono::seconds(9));
+        for (int i = 0; i < 3; ++i)
+            taken += client.received();
+        return compare(taken, "1!2") + (early && first == 2 && second == 1 && !outbox.nextDue() ? "" : "wrong counts");
+    });
+}
+
+TEST(LoopbackPort, SendsFromElsewhereWhatItsClientMustNotTake)
+{
+    EXPECT_IN_OWN_NETWORK([] {
+        LoopbackSocket socket(0);
+        const Client client("127.0.0.1", socket.port());
+        std::uint64_t sent = 0;
+        socket.exchange([&](ByteView, const LoopbackSocket::Ends& ends, std::span<std::uint8_t>) -> std::size_t {
+            Outbox outbox;
+            LoopbackSocket::Ends neighbour = ends;
+            neighbour.asked ^= 2U;
+            outbox.put(Outbox::Clock::now(), {{'a'}, neighbour});
+            outbox.put(Outbox::Clock::now(), {{'p'}, ends, true});
+            outbox.put(Outbox::Clock::now(), {{'g'}, ends});
+            sent = outbox.sendDue(socket, Outbox::Clock::now());
+            return 0;
+        });
+        std::string taken = client.received();
+        taken += client.received();
+        return compare(taken, "g") + (sent == 3 ? "" : "not sent");
+    });
+}
+
 TEST(LoopbackPort, TakesEmptyAndLargeDatagrams)
 {
     EXPECT_IN_OWN_NETWORK([] {
@@ -163,7 +210,7 @@ TEST(LoopbackPort, TakesEmptyAndLargeDatagrams)
         for (const std::string& text : {std::string(), large})
             ::sendto(descriptor, text.data(), text.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof to);
         std::string sizes;
-        socket.exchange([&](ByteView request, Address, std::span<std::uint8_t>) -> std::size_t {
+        socket.exchange([&](ByteView request, const LoopbackSocket::Ends&, std::span<std::uint8_t>) -> std::size_t {
             sizes += std::to_string(request.size()) + " ";
             return 0;
         });

@@ -51,7 +51,8 @@ protected:
     static Ended ask(const std::string& tool, const std::string& version, const std::string& address,
                      const std::string& oid, const std::string& community = "public")
     {
-        return shell("MIBS= " + tool + " -v" + version + " -c " + community + " -t 1 -r 0 -Onq " + address + ":" +
+        const std::string who = version == "3" ? " -l noAuthNoPriv -u " : " -c ";
+        return shell("MIBS= " + tool + " -v" + version + who + community + " -t 1 -r 0 -Onq " + address + ":" +
                      std::to_string(lab->port()) + " " + oid + " 2>&1");
     }
 
@@ -93,9 +94,9 @@ protected:
 
 std::unique_ptr<RunningLab> ProgramAnswers::lab;
 
-TEST_F(ProgramAnswers, AGetInBothVersions)
+TEST_F(ProgramAnswers, AGetInEveryVersion)
 {
-    for (const char* version : {"1", "2c"}) {
+    for (const char* version : {"1", "2c", "3"}) {
         const Ended answer = ask("snmpget", version, addressOf("laser-mono"), ".1.3.6.1.2.1.25.3.2.1.3.1");
         EXPECT_EQ(answer.status, 0);
         EXPECT_EQ(answer.output, ".1.3.6.1.2.1.25.3.2.1.3.1 \"Halvorsen LP-3120dn\"\n");
@@ -108,9 +109,9 @@ TEST_F(ProgramAnswers, SeveralVarbindsAtOnce)
               ".1.3.6.1.2.1.1.5.0 \"lp-3120\"\n.1.3.6.1.2.1.2.1.0 2\n");
 }
 
-TEST_F(ProgramAnswers, AGetNextInBothVersions)
+TEST_F(ProgramAnswers, AGetNextInEveryVersion)
 {
-    for (const char* version : {"1", "2c"})
+    for (const char* version : {"1", "2c", "3"})
         EXPECT_EQ(ask("snmpgetnext", version, addressOf("laser-mono"), ".1.3.6.1.2.1.25.3.2.1.2").output,
                   ".1.3.6.1.2.1.25.3.2.1.2.1 .1.3.6.1.2.1.25.3.1.5\n");
 }
@@ -119,6 +120,7 @@ TEST_F(ProgramAnswers, AWalkWithEveryObjectInItsOrder)
 {
     for (const char* profile : {"laser-colour", "switch", "server"}) {
         EXPECT_EQ(walk("2c", profile), oidsOf(profile, true)) << profile;
+        EXPECT_EQ(walk("3", profile), oidsOf(profile, true)) << profile;
         EXPECT_EQ(walk("1", profile), oidsOf(profile, false)) << profile;
     }
     EXPECT_NE(oidsOf("switch", true), oidsOf("switch", false)) << "the comparison covers long counters";
@@ -145,6 +147,13 @@ TEST_F(ProgramAnswers, NothingToAnotherCommunity)
     const Ended answer = ask("snmpget", "2c", addressOf("laser-mono"), ".1.3.6.1.2.1.1.5.0", "private");
     EXPECT_EQ(answer.status, 1);
     EXPECT_THAT(answer.output, HasSubstr("Timeout"));
+}
+
+TEST_F(ProgramAnswers, AReportToAnotherUser)
+{
+    const Ended answer = ask("snmpget", "3", addressOf("laser-mono"), ".1.3.6.1.2.1.1.5.0", "private");
+    EXPECT_EQ(answer.status, 1);
+    EXPECT_THAT(answer.output, HasSubstr("Unknown user name"));
 }
 
 TEST_F(ProgramAnswers, NothingWhereNoDeviceStands)
@@ -270,6 +279,24 @@ TEST_F(Program, ServesAPlanOfOnesOwnProfiles)
     EXPECT_THAT(lab.waitUntilReady(), HasSubstr("plan " + plan));
     EXPECT_THAT(shell("MIBS= snmpwalk -v2c -c public -Onq 127.99.1.2:" + std::to_string(lab.port()) + " .1").output,
                 testing::StartsWith(".1.3.6.1.2.1.1.5.0 \"my device\"\n"));
+}
+
+TEST_F(Program, HasHostileDevicesWhereAPlanNamesThem)
+{
+    EXPECT_THAT(run({"--list"}).output, testing::Not(HasSubstr("hostile")));
+    const std::string file = write("plan", "127.99.1.2 error-status-5\n127.99.1.3 laser-mono\n");
+    const std::vector<std::string> lines = linesOf(run({"--plan", file, "--list", "--verbatim"}).output);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0], R"({"ip":"127.99.1.2","profile":"error-status-5","printer":true,"hostile":true,)"
+                        R"("name":"Halvorsen LP-3120dn","mac":["02-1A-01-00-00-01"],"sn":"HLP31K20417"})");
+    EXPECT_THAT(lines[1], testing::Not(HasSubstr("hostile")));
+    RunningLab lab(with(freePort, {"--plan", file.c_str()}));
+    lab.waitUntilReady();
+    for (const auto& [address, answer] : {std::pair("127.99.1.2", "genError"), std::pair("127.99.1.3", "lp-3120")})
+        EXPECT_THAT(shell("MIBS= snmpget -v2c -c public -Onq " + std::string(address) + ":" +
+                          std::to_string(lab.port()) + " .1.3.6.1.2.1.1.5.0 2>&1")
+                        .output,
+                    HasSubstr(answer));
 }
 
 TEST_F(Program, HoldsTheProfilesOfTheSourceTree)

@@ -12,6 +12,15 @@ namespace {
 
 class Descriptors : public testing::Test {
 protected:
+    // Sanitizers need descriptors of their own when they see a type for the first time.
+    Descriptors()
+    {
+        const auto first = newSession(communityProfile(1, 161));
+        std::async(std::launch::async, [&] { first->open("127.0.0.1"); }).get();
+        auto opened = std::async(std::launch::async, [] {});
+        expectOpened(opened);
+    }
+
     // Opens a session on a thread of its own.
     std::future<void> opening()
     {

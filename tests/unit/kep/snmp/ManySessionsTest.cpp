@@ -30,11 +30,11 @@ TEST(ManySessions, WaitForSilentAgentsSideBySide)
         const bool user = number % 2 != 0;
         const auto session = newSession(user ? userProfile(silent.port()) : communityProfile(1, silent.port()));
         try {
-            session->open("127.0.0." + std::to_string(1 + number % 250));
+            session->open("127.0.0.1");
             Kep::Variant value;
             session->get(".1.3.6.1.2.1.1.1.0", value);
-        } catch (const Exception&) {
-            ++unanswered;
+        } catch (const Exception& exception) {
+            unanswered += std::string(exception.what()).ends_with("no answer in 2 tries of 500 ms") ? 1 : 0;
         }
     });
     EXPECT_EQ(unanswered, 1000);

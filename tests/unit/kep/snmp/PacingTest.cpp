@@ -48,7 +48,10 @@ TEST_F(Pacing, CountsTheFollowingTriesToo)
 
 TEST_F(Pacing, TakesNothingFromTheTimeOut)
 {
-    agentAnswers();
+    agentSays([](const Message& request) {
+        std::this_thread::sleep_for(10ms);
+        return Answers{replyTo(request, {binding(sysDescr, octets("well"))}).encoded()};
+    });
     session();
     const ChosenSettings paced(100ms, 0, 10);
     std::vector<std::jthread> probes;

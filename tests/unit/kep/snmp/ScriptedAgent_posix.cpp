@@ -25,15 +25,35 @@ sockaddr* generic(sockaddr_in& address)
     return reinterpret_cast<sockaddr*>(&address);
 }
 
-int bound(std::uint32_t ip)
+int newSocket()
 {
     const int handle = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     check(handle);
+    return handle;
+}
+
+bool bindTo(int handle, std::uint32_t ip, std::uint16_t port)
+{
     sockaddr_in address{};
     address.sin_family = AF_INET;
+    address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(ip);
-    check(::bind(handle, generic(address), sizeof address));
+    return ::bind(handle, generic(address), sizeof address) == 0;
+}
+
+int bound(std::uint32_t ip)
+{
+    const int handle = newSocket();
+    check(bindTo(handle, ip, 0) ? 0 : -1);
     return handle;
+}
+
+bool isFree(std::uint16_t port)
+{
+    const int handle = newSocket();
+    const bool free = bindTo(handle, INADDR_ANY, port);
+    ::close(handle);
+    return free;
 }
 
 std::uint16_t portOf(int handle)
@@ -110,5 +130,13 @@ SilentPort::~SilentPort()
 
 std::uint16_t closedPort()
 {
-    return SilentPort().port();
+    // Below the ports that the system hands out by itself: nobody comes to one of these by chance.
+    constexpr unsigned first = 10000;
+    constexpr unsigned count = 20000;
+    static std::atomic<unsigned> next = static_cast<unsigned>(::getpid()) * 7;
+    for (;;) {
+        const auto port = static_cast<std::uint16_t>(first + next++ % count);
+        if (isFree(port))
+            return port;
+    }
 }

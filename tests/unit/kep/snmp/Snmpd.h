@@ -17,10 +17,14 @@ public:
     /// Ends it and starts it again, with the same port and engine. Throws as the constructor does.
     void restart();
 
+    /// As `restart`, but with another engine.
+    void replace();
+
     std::uint16_t port() const { return port_; }
 
 private:
     bool start();
+    void startAgain();
     bool answers();
     void stop();
     std::string log() const;

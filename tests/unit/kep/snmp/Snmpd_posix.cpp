@@ -58,6 +58,19 @@ Snmpd::~Snmpd()
 void Snmpd::restart()
 {
     stop();
+    startAgain();
+}
+
+void Snmpd::replace()
+{
+    stop();
+    std::filesystem::remove_all(folder_ / "persistent");
+    std::filesystem::create_directory(folder_ / "persistent");
+    startAgain();
+}
+
+void Snmpd::startAgain()
+{
     if (!start() || !answers())
         throw std::runtime_error("snmpd does not start again: " + log());
 }

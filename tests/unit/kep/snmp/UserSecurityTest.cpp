@@ -212,6 +212,16 @@ TEST_F(UserSecurity, TakesTheEngineFromAnyReport)
     EXPECT_EQ(problemOfOpening(), "");
 }
 
+TEST_F(UserSecurity, TakesTheEngineFromAReportThatNamesAUser)
+{
+    agentSaysFirst([this](const V3Message& request) {
+        V3Message message = report(request, unknownEngineIds);
+        message.user = "somebody";
+        return message;
+    });
+    EXPECT_EQ(problemOfOpening(), "");
+}
+
 TEST_F(UserSecurity, RefusesAnEngineWithoutId)
 {
     engine_ = "";
@@ -248,6 +258,47 @@ TEST_P(RefusingAgents, AreNamedAtOnce)
     });
     EXPECT_THAT(problemOfGet(), HasSubstr(words));
     EXPECT_EQ(agent_->requests().size(), 2U);
+}
+
+TEST_F(UserSecurity, EndsAtOnceWhenTheAgentHasAnotherEngineNow)
+{
+    const ChosenSettings noOtherTry(std::chrono::seconds(20), 0);
+    agentSays([this](const V3Message& request, std::size_t) {
+        engine_ = "another engine";
+        return std::vector{report(request, unknownEngineIds)};
+    });
+    EXPECT_THAT(problemOfGet(), HasSubstr("unknown engine ID"));
+    EXPECT_EQ(agent_->requests().size(), 2U);
+}
+
+TEST_F(UserSecurity, IgnoresReportsFromAnotherEngineThatAreNotForTheMessage)
+{
+    const std::vector<std::function<void(V3Message&)>> changes = {
+        [](V3Message& message) { message.messageId ^= 1; },
+        [](V3Message& message) { message.flags = 1; },
+        [](V3Message& message) { message.pdu.tag = responseTag; },
+    };
+    for (const auto& change : changes) {
+        session_.reset();
+        agentSays([&](const V3Message& request, std::size_t) {
+            V3Message stray = report(request, unknownEngineIds);
+            stray.engine = stray.contextEngine = "another engine";
+            change(stray);
+            return std::vector{stray, response(request)};
+        });
+        EXPECT_EQ(getText(), "good");
+        EXPECT_EQ(agent_->requests().size(), 2U);
+    }
+}
+
+TEST_F(UserSecurity, EndsWhenALaterTryMeetsAnotherEngine)
+{
+    agentSays([this](const V3Message& request, std::size_t number) {
+        engine_ = "another engine";
+        return number == 1 ? std::vector<V3Message>() : std::vector{report(request, unknownEngineIds)};
+    });
+    EXPECT_THAT(problemOfGet(), HasSubstr("unknown engine ID"));
+    EXPECT_EQ(agent_->requests().size(), 3U);
 }
 
 TEST_F(UserSecurity, FollowsTheAgentsClockOnce)

@@ -1,0 +1,53 @@
+/// Agents of two makes that are not ours, set up alike: the same users, the same objects.
+#pragma once
+
+#include "Kep/Snmp/Profile.h"
+#include "tests/network/harness/SnmpProfile.h"
+
+#include <memory>
+
+namespace NetworkTests {
+
+/// A user of version 3: what the agents are told of it, and the codes that a profile has for its protocols.
+struct MatrixUser {
+    SnmpProfile settings;
+    std::int32_t auth = 1;
+    std::int32_t privacy = 1;
+};
+
+/// A user `name` with passwords of its own and protocols by the profiles' codes: 1 to 3 and, as far as agents have
+/// them, 1 to 24.
+MatrixUser matrixUser(const std::string& name, std::int32_t auth, std::int32_t privacy);
+
+/// An agent that holds the system group, knows the community "perch-4711" and the users that it is given.
+class MatrixAgent {
+public:
+    virtual ~MatrixAgent() = default;
+
+    virtual std::string make() const = 0;
+    virtual Endpoint endpoint() const = 0;
+
+    /// Its community, and the contexts that it knows.
+    virtual std::string community() const = 0;
+    virtual std::string context() const = 0;
+    virtual std::string secondContext() const = 0;
+
+    /// Ends and starts it, as the same engine or as another one.
+    virtual void restart() = 0;
+    virtual void replace() = 0;
+
+    /// sysName in `context` and in `secondContext`.
+    static constexpr const char* name = "matrix agent";
+    static constexpr const char* secondName = "second context";
+};
+
+/// net-snmp's agent. Its second context is served by another agent, for which it is the proxy.
+std::unique_ptr<MatrixAgent> matrixSnmpd(const std::vector<MatrixUser>& users);
+
+/// The simulator. A context is a file of its own.
+std::unique_ptr<MatrixAgent> matrixSimulator(const std::vector<MatrixUser>& users);
+
+/// What a session needs to be that user at the agent.
+std::shared_ptr<Kep::Snmp::ProfileV3> profileAt(const MatrixAgent& agent, const MatrixUser& user);
+
+} // namespace NetworkTests
