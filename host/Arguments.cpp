@@ -14,9 +14,11 @@ namespace {
 
 constexpr const char* Examples = R"(Examples:
   printer-discovery discover 10.0.0.0/24
-  printer-discovery discover 10.0.0.1-10.0.3.254 --exclude 10.0.1.0/24 --format csv > printers.csv
-  printer-discovery discover 10.0.0.0/24 -v 3 -u admin -l authPriv -a SHA -x AES
-    with the passwords in PRINTER_DISCOVERY_AUTH_PASSWORD and PRINTER_DISCOVERY_PRIV_PASSWORD)";
+  printer-discovery discover 10.0.0-3.1-254 --exclude 10.0.1.0/24 --format csv
+  printer-discovery discover @local -v 3 -u admin -l authPriv -a SHA -x AES
+    with the passwords in PRINTER_DISCOVERY_AUTH_PASSWORD and ..._PRIV_PASSWORD)";
+
+constexpr const char* CommonHeading = "Options";
 
 /// The parser with the records that it fills.
 struct Parser {
@@ -29,81 +31,100 @@ struct Parser {
     CLI::App* settingsCommand = nullptr;
 };
 
-void addFileOptions(CLI::App& command, std::string& dataStore)
+/// An option with the name that its value has in the help, under one of the help's headings.
+template <class Value>
+CLI::Option* add(CLI::App& command, const char* heading, const char* names, Value& value, const char* valueName,
+                 const char* text)
 {
-    command.add_option("--data-store", dataStore, "Settings file (default: in the user's configuration folder)")
-        ->option_text("FILE");
+    return command.add_option(names, value, text)->option_text(valueName)->group(heading);
 }
 
-void addPluginOption(CLI::App& command, std::string& plugin)
+void addFileOptions(CLI::App& command, const char* heading, std::string& dataStore)
 {
-    command.add_option("--plugin", plugin, "Plug-in library to load")->option_text("PATH");
+    add(command, heading, "--data-store", dataStore, "FILE", "Settings file, if not the user's own");
 }
 
-void addTargetOptions(CLI::App& command, DiscoverArguments& arguments)
+void addPluginOption(CLI::App& command, const char* heading, std::string& plugin)
 {
-    command.add_option("TARGET", arguments.targets, "10.0.0.7, 10.0.0.1-10.0.0.99 or 10.0.0.0/24")
-        ->required()
+    add(command, heading, "--plugin", plugin, "PATH", "Plug-in library to load");
+}
+
+void addTargetOptions(CLI::App& command, TargetArguments& arguments)
+{
+    constexpr const char* heading = "Targets";
+    command
+        .add_option("TARGET", arguments.targets,
+                    "Several may be given, also joined by commas:\n"
+                    "10.0.0.7  10.0.0.1-10.0.0.99  10.0.0.0/24\n"
+                    "10.0.0-3.1-254  @local (this machine's networks)\n"
+                    "- (a list on standard input)")
         ->option_text("...");
-    command.add_option("--exclude", arguments.excludes, "Leave these addresses out; may be repeated")
-        ->option_text("TARGET")
-        ->allow_extra_args(false);
+    const auto addMany = [&](const char* name, std::vector<std::string>& values, const char* value, const char* text) {
+        add(command, heading, name, values, value, text)->allow_extra_args(false);
+    };
+    addMany("--target-file", arguments.files, "FILE", "List of targets (also -iL FILE)");
+    addMany("--exclude", arguments.excludes, "TARGET", "Leave these addresses out");
+    addMany("--exclude-file", arguments.excludeFiles, "FILE", "List of addresses to leave out");
 }
 
-void addCommunityOptions(CLI::App& command, SnmpArguments& snmp)
+void addCommunityOptions(CLI::App& command, SnmpArguments& snmp, std::optional<std::string>& credentials)
 {
-    CLI::Option_group& group = *command.add_option_group("SNMP");
-    group.add_option("-v,--snmp-version", snmp.version, "Version of SNMP (default: 2c)")->option_text("1|2c|3");
+    constexpr const char* heading = "SNMP";
+    add(command, heading, "-v,--snmp-version", snmp.version, "1|2c|3", "Version (default: 2c)");
     auto* community =
-        group.add_option("-c,--community", snmp.community, "Community (default: public)")->option_text("COMMUNITY");
-    group.add_option("--community-file", snmp.communityFile, "File that holds it")
-        ->option_text("FILE")
-        ->excludes(community);
-    group.add_option("--port", snmp.port, "UDP port of the devices (default: 161)")->option_text("PORT");
+        add(command, heading, "-c,--community", snmp.community, "COMMUNITY", "Community (default: public)");
+    add(command, heading, "--community-file", snmp.communityFile, "FILE", "File that holds it")->excludes(community);
+    add(command, heading, "--port", snmp.port, "PORT", "UDP port of the devices (default: 161)");
+    add(command, heading, "--credentials", credentials, "FILE", "Several credentials, tried one after the other");
 }
 
 void addUserOptions(CLI::App& command, SnmpArguments& snmp)
 {
-    CLI::Option_group& group = *command.add_option_group("SNMP version 3");
-    group.add_option("-u,--user", snmp.user, "User name")->option_text("USER");
-    group.add_option("-l,--level", snmp.level, "noAuthNoPriv, authNoPriv or authPriv (default: from -a and -x)")
-        ->option_text("LEVEL");
-    group.add_option("-a,--auth-protocol", snmp.authProtocol, "Authentication")->option_text("MD5|SHA");
-    auto* auth = group.add_option("-A,--auth-password", snmp.authPassword, "Its password")->option_text("PASSWORD");
-    group.add_option("--auth-password-file", snmp.authPasswordFile, "File that holds it")
-        ->option_text("FILE")
-        ->excludes(auth);
-    group
-        .add_option("-x,--priv-protocol", snmp.privProtocol,
-                    "DES, AES, AES-192 or AES-256; AES-192-C and AES-256-C as Cisco devices have them")
-        ->option_text("CIPHER");
-    auto* priv = group.add_option("-X,--priv-password", snmp.privPassword, "Its password")->option_text("PASSWORD");
-    group.add_option("--priv-password-file", snmp.privPasswordFile, "File that holds it")
-        ->option_text("FILE")
-        ->excludes(priv);
-    group.add_option("-n,--context", snmp.context, "Context name")->option_text("CONTEXT");
+    constexpr const char* heading = "SNMP version 3";
+    add(command, heading, "-u,--user", snmp.user, "USER", "User name");
+    add(command, heading, "-l,--level", snmp.level, "LEVEL",
+        "noAuthNoPriv, authNoPriv or authPriv\n(default: from -a and -x)");
+    add(command, heading, "-a,--auth-protocol", snmp.authProtocol, "MD5|SHA", "Authentication");
+    auto* auth = add(command, heading, "-A,--auth-password", snmp.authPassword, "PASSWORD", "Its password");
+    add(command, heading, "--auth-password-file", snmp.authPasswordFile, "FILE", "File that holds it")->excludes(auth);
+    add(command, heading, "-x,--priv-protocol", snmp.privProtocol, "CIPHER",
+        "DES, AES, AES-192 or AES-256; AES-192-C and\nAES-256-C as Cisco devices have them");
+    auto* priv = add(command, heading, "-X,--priv-password", snmp.privPassword, "PASSWORD", "Its password");
+    add(command, heading, "--priv-password-file", snmp.privPasswordFile, "FILE", "File that holds it")->excludes(priv);
+    add(command, heading, "-n,--context", snmp.context, "CONTEXT", "Context name");
 }
 
 void addRunOptions(CLI::App& command, DiscoverArguments& arguments)
 {
-    CLI::Option_group& group = *command.add_option_group("Run");
-    group.add_option("-t,--timeout", arguments.timeout, "Time to wait for each answer")->option_text("SECONDS");
-    group.add_option("-r,--retries", arguments.retries, "Times to ask again")->option_text("RETRIES");
-    group.add_option("--tasks", arguments.tasks, "Addresses to probe at once, at most")->option_text("N");
-    group.add_flag("--no-names", arguments.noNames, "Look no host names up");
-    group.add_option("--format", arguments.format, "table, json or csv (default: table)")->option_text("FORMAT");
-    addFileOptions(group, arguments.dataStore);
-    addPluginOption(group, arguments.plugin);
+    constexpr const char* heading = "Run";
+    add(command, heading, "-t,--timeout", arguments.timeout, "SECONDS", "Time to wait for each answer");
+    add(command, heading, "-r,--retries", arguments.retries, "RETRIES", "Times to ask again");
+    add(command, heading, "--rate", arguments.rate, "N", "SNMP packets a second, at most; 0: any number");
+    add(command, heading, "--tasks", arguments.tasks, "N", "Addresses to probe at once, at most");
+    command.add_flag("--no-names", arguments.noNames, "Look no host names up")->group(heading);
+    command.add_flag("--dry-run", arguments.dryRun, "Print what would be swept; send nothing")->group(heading);
+    addFileOptions(command, heading, arguments.dataStore);
+    addPluginOption(command, heading, arguments.plugin);
+}
+
+void addOutputOptions(CLI::App& command, DiscoverArguments& arguments)
+{
+    constexpr const char* heading = "Output";
+    add(command, heading, "--format", arguments.format, "FORMAT", "table, json or csv (default: table)");
+    command.add_flag("--stream", arguments.stream, "A line of JSON for each printer when it is found")->group(heading);
+    add(command, heading, "--diff", arguments.diff, "FILE", "Compare with an earlier result in json");
+    command.add_flag("-q,--quiet", arguments.quiet, "Neither count nor progress")->group(heading);
 }
 
 void addDiscover(Parser& parser)
 {
     CLI::App& command = *parser.app.add_subcommand("discover", "Sweep addresses and print the printers among them");
     parser.discoverCommand = &command;
-    addTargetOptions(command, parser.discover);
-    addCommunityOptions(command, parser.discover.snmp);
+    addTargetOptions(command, parser.discover.targets);
+    addCommunityOptions(command, parser.discover.snmp, parser.discover.credentials);
     addUserOptions(command, parser.discover.snmp);
     addRunOptions(command, parser.discover);
+    addOutputOptions(command, parser.discover);
 }
 
 void addServe(Parser& parser)
@@ -111,9 +132,9 @@ void addServe(Parser& parser)
     CLI::App& command = *parser.app.add_subcommand("serve", "Offer the plug-in's operations to another program");
     parser.serveCommand = &command;
     command.footer("");
-    command.add_flag("--stdio", parser.serve.stdio, "JSON-RPC 2.0 on standard input and output, one message a line");
-    addFileOptions(command, parser.serve.dataStore);
-    addPluginOption(command, parser.serve.plugin);
+    command.add_flag("--stdio", parser.serve.stdio, "JSON-RPC 2.0 on standard input and output");
+    addFileOptions(command, CommonHeading, parser.serve.dataStore);
+    addPluginOption(command, CommonHeading, parser.serve.plugin);
 }
 
 void addSettings(Parser& parser)
@@ -124,17 +145,17 @@ void addSettings(Parser& parser)
     SettingsArguments& arguments = parser.settings;
     command.require_subcommand(0, 1);
     command.add_option("--format", arguments.format, "table or json (default: table)")->option_text("FORMAT");
-    addFileOptions(command, arguments.dataStore);
-    const auto add = [&](const char* name, const char* text, SettingsArguments::Action action) {
+    addFileOptions(command, CommonHeading, arguments.dataStore);
+    const auto addAction = [&](const char* name, const char* text, SettingsArguments::Action action) {
         CLI::App* subcommand = command.add_subcommand(name, text);
         subcommand->fallthrough();
         subcommand->callback([&arguments, action] { arguments.action = action; });
         return subcommand;
     };
-    add("list", "All settings with their values", SettingsArguments::Action::List);
-    for (CLI::App* subcommand : {add("get", "One setting's value", SettingsArguments::Action::Get),
-                                 add("set", "Change a setting", SettingsArguments::Action::Set),
-                                 add("unset", "Go back to the default", SettingsArguments::Action::Unset)})
+    addAction("list", "All settings with their values", SettingsArguments::Action::List);
+    for (CLI::App* subcommand : {addAction("get", "One setting's value", SettingsArguments::Action::Get),
+                                 addAction("set", "Change a setting", SettingsArguments::Action::Set),
+                                 addAction("unset", "Go back to the default", SettingsArguments::Action::Unset)})
         subcommand->add_option("KEY", arguments.key, "Name of the setting; list shows them")
             ->required()
             ->option_text(" ");
@@ -178,11 +199,20 @@ void collectOptions(const CLI::App& app, std::vector<std::string>& names)
         collectOptions(*inner, names);
 }
 
+/// The parser puts two empty lines between the headings of its help.
+std::string withSingleGaps(std::string text)
+{
+    for (auto gap = text.find("\n\n\n"); gap != std::string::npos; gap = text.find("\n\n\n", gap))
+        text.erase(gap, 1);
+    return text;
+}
+
 } // namespace
 
 CommandLine parseCommandLine(std::vector<std::string> arguments)
 {
     const auto parser = makeParser();
+    std::replace(arguments.begin(), arguments.end(), std::string("-iL"), std::string("--target-file"));
     std::reverse(arguments.begin(), arguments.end()); // the order in which the parser takes them
     try {
         parser->app.parse(std::move(arguments));
@@ -190,7 +220,7 @@ CommandLine parseCommandLine(std::vector<std::string> arguments)
         std::ostringstream text;
         std::ostringstream ignored;
         if (parser->app.exit(error, text, ignored) == 0)
-            return TextRequest{text.str()};
+            return TextRequest{withSingleGaps(text.str())};
         throw UsageError(error.what());
     }
     requireCommand(parser->app, "a command is needed: discover, serve or settings");

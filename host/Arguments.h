@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/SnmpOptions.h"
+#include "host/TargetPlan.h"
 
 #include <optional>
 #include <string>
@@ -11,10 +12,10 @@
 namespace Host {
 
 struct DiscoverArguments {
-    std::vector<std::string> targets, excludes;
+    TargetArguments targets;
     SnmpArguments snmp;
-    std::optional<std::string> timeout, retries, tasks, format;
-    bool noNames = false;
+    std::optional<std::string> credentials, timeout, retries, rate, tasks, format, diff;
+    bool noNames = false, stream = false, quiet = false, dryRun = false;
     std::string dataStore, plugin;
 };
 

@@ -1,4 +1,6 @@
 #include "host/Commands.h"
+#include "host/ComparisonFormats.h"
+#include "host/DiscoverRuns.h"
 #include "host/Files.h"
 #include "host/Interruption.h"
 #include "host/Output.h"
@@ -6,69 +8,155 @@
 #include "host/PluginLibrary.h"
 #include "host/PluginReply.h"
 #include "host/ProgressLine.h"
-#include "host/RunFollower.h"
+#include "host/StreamOutput.h"
+#include "host/TaskLimitNote.h"
 
+#include <chrono>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace Host {
 
 namespace {
 
-constexpr const char* Cookie = "discover";
-
-/// Paints on standard error if that is a terminal.
+/// Progress on standard error if that is a terminal, and printers on standard output if they are to be streamed.
 class Progress : public IProgress {
 public:
-    Progress()
+    explicit Progress(const DiscoverOptions& options)
     {
-        if (isTerminal(Stream::Error))
-            line_.emplace(std::cerr, terminalWidth, std::chrono::steady_clock::now);
+        if (isTerminal(Stream::Error) && !options.quiet)
+            line_.emplace(
+                std::cerr, [] { return terminalWidth(Stream::Error); }, std::chrono::steady_clock::now);
+        if (options.stream)
+            stream_.emplace();
     }
 
-    ~Progress() override
-    {
-        if (line_)
-            line_->clear();
-    }
+    ~Progress() override { clear(); }
 
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     void show(const RunResult& soFar) override
     {
+        writeStream(soFar);
         if (line_)
             line_->show(soFar);
     }
 
     void finish(const RunResult& result)
     {
+        writeStream(result);
         if (line_)
             line_->finish(result);
     }
 
 private:
+    void writeStream(const RunResult& soFar)
+    {
+        const std::string lines = stream_ ? stream_->newLines(soFar) : "";
+        if (lines.empty())
+            return;
+        clear(); // both streams may be the same terminal
+        writeOutput(lines);
+    }
+
+    void clear()
+    {
+        if (line_)
+            line_->clear();
+    }
+
     std::optional<ProgressLine> line_;
+    std::optional<StreamOutput> stream_;
 };
+
+std::vector<RunStart> startsOf(const DiscoverOptions& options)
+{
+    std::vector<RunStart> starts;
+    for (const JsonValue& profile : options.profiles) {
+        const std::string cookie = "discover-" + std::to_string(starts.size() + 1);
+        starts.push_back({startDocument(options, profile, cookie), cookie});
+    }
+    return starts;
+}
+
+std::optional<Comparison> compareWithEarlier(const DiscoverOptions& options, const RunResult& result)
+{
+    if (!options.earlier)
+        return std::nullopt;
+    return compare(options.earlier->printers, result, options.ranges);
+}
+
+std::string outputText(const DiscoverOptions& options, const RunResult& result)
+{
+    const auto comparison = compareWithEarlier(options, result);
+    if (options.stream)
+        return streamEnd(result, comparison);
+    if (options.format == Format::Json)
+        return jsonText(result, comparison);
+    if (options.format == Format::Csv)
+        return csvText(result);
+    const TextStyle style = outputStyle();
+    const std::string table = tableText(result, style);
+    return comparison ? table + '\n' + comparisonText(*comparison, options.earlier->name, style) : table;
+}
+
+/// What the user should know before the run.
+void announce(const DiscoverOptions& options)
+{
+    if (options.quiet)
+        return;
+    noteLoweredTaskLimit(std::cerr);
+    std::cerr << countText(countProbed(options.ranges), options.profiles.size()) << '\n';
+    if (options.earlier && options.earlier->interrupted)
+        std::cerr << "--diff: " << options.earlier->name
+                  << " is of an interrupted run: printers that it did not reach show as new\n";
+}
+
+/// The end of the plug-in would wait for probes in flight.
+[[noreturn]] void leaveAtOnce(ExitCode code)
+{
+    std::_Exit(static_cast<int>(code));
+}
+
+/// Sweeps and prints the result. A failure meanwhile, such as of a reader of the stream that has gone, ends the
+/// process.
+void sweep(IPluginCalls& plugin, IPace& pace, const DiscoverOptions& options, const std::vector<RunStart>& starts)
+{
+    try {
+        RunResult result;
+        {
+            Progress progress(options);
+            result = followRuns(plugin, pace, progress, starts, countProbed(options.ranges));
+            progress.finish(result);
+        }
+        writeOutput(outputText(options, result));
+        if (result.interrupted)
+            leaveAtOnce(ExitCode::Interrupted);
+    } catch (const std::exception& error) {
+        reportError(error.what());
+        leaveAtOnce(ExitCode::Failed);
+    }
+}
 
 } // namespace
 
 ExitCode discover(const DiscoverArguments& arguments, const DiscoverOptions& options)
 {
-    const std::string request = startDocument(options.config, Cookie);
+    const std::vector<RunStart> starts = startsOf(options);
+    if (options.dryRun) {
+        writeOutput(dryRunText(options));
+        return ExitCode::Done;
+    }
     Interruption interruption;
     PluginLibrary plugin(pluginFile(arguments.plugin));
     requireStarted(plugin.init(initDocument(dataStoreFile(arguments.dataStore), options.settings)));
-    RunResult result;
-    {
-        Progress progress;
-        result = RunFollower(plugin, interruption, progress).follow(request, Cookie);
-        progress.finish(result);
-    }
-    writeOutput(resultText(options.format, result));
-    if (result.interrupted)
-        std::_Exit(static_cast<int>(ExitCode::Interrupted)); // the end of the plug-in would wait for probes in flight
+    announce(options);
+    sweep(plugin, interruption, options, starts);
     plugin.deinit();
     return ExitCode::Done;
 }

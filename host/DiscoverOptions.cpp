@@ -1,9 +1,9 @@
 #include "host/DiscoverOptions.h"
 
 #include "Kep/Host/Settings.h"
+#include "host/CredentialsFile.h"
 #include "host/DisplayText.h"
 #include "host/Errors.h"
-#include "host/Targets.h"
 
 #include <exception>
 #include <optional>
@@ -20,21 +20,12 @@ JsonValue rangeDocument(const AddressRange& range)
     return {{"from", addressText(range.from)}, {"to", addressText(range.to)}};
 }
 
-JsonValue includeRanges(const std::vector<std::string>& targets)
+JsonValue rangesDocument(const AddressRanges& ranges)
 {
-    JsonValue ranges = JsonValue::array();
-    for (const std::string& target : targets)
-        ranges.push_back(rangeDocument(parseTarget(target)));
-    return ranges;
-}
-
-JsonValue excludeRanges(const std::vector<std::string>& excludes)
-{
-    JsonValue ranges = JsonValue::array();
-    for (const std::string& exclude : excludes)
-        if (const auto range = parseExclude(exclude))
-            ranges.push_back(rangeDocument(*range));
-    return ranges;
+    JsonValue document = JsonValue::array();
+    for (const AddressRange& range : ranges)
+        document.push_back(rangeDocument(range));
+    return document;
 }
 
 Format formatOf(const std::optional<std::string>& name)
@@ -67,43 +58,94 @@ std::map<std::string, std::string> settingsOf(const DiscoverArguments& arguments
     std::map<std::string, std::string> settings;
     overrideBy(settings, "-t", "host.snmp.timeout", arguments.timeout);
     overrideBy(settings, "-r", "host.snmp.retries", arguments.retries);
+    overrideBy(settings, "--rate", "host.snmp.rate", arguments.rate);
     overrideBy(settings, "--tasks", "host.tasks.limit", arguments.tasks);
     for (const char* key : {"host.names.netbios", "host.names.dns"})
         overrideBy(settings, "--no-names", key, arguments.noNames ? std::optional<std::string>("off") : std::nullopt);
     return settings;
 }
 
-std::vector<std::string> secretsOf(const JsonValue& profile)
+std::vector<JsonValue> profilesOf(const DiscoverArguments& arguments, const Credentials& defaults)
 {
-    std::vector<std::string> secrets;
-    for (const char* key : {"communityRead", "authPwd", "privacyPwd"})
-        if (profile.contains(key))
-            secrets.push_back(profile.at(key).get<std::string>());
-    return secrets;
+    const int port = portOf(arguments.snmp);
+    if (!arguments.credentials)
+        return {snmpProfile(credentialsOf(arguments.snmp), defaults, optionNames(), port)};
+    if (const auto option = firstCredentialOption(arguments.snmp))
+        throw UsageError("--credentials and " + *option + ": the file gives the credentials, or the options do");
+    return readCredentialsFile(*arguments.credentials, port);
+}
+
+/// Refuses what the chosen form of the result has no place for.
+void requireFormat(const DiscoverArguments& arguments, Format format)
+{
+    if (arguments.stream && arguments.format && format != Format::Json)
+        throw UsageError("--stream writes lines of JSON; with it, --format can only be json");
+    if (format == Format::Csv && arguments.diff)
+        throw UsageError("--diff: csv has no place for a comparison; --format table and json have");
+    if (format == Format::Csv && arguments.dryRun)
+        throw UsageError(
+            "--dry-run: what would be swept is no table of printers; --format table and json are accepted");
+}
+
+Format resultFormat(const DiscoverArguments& arguments)
+{
+    const Format format = formatOf(arguments.format);
+    requireFormat(arguments, format);
+    return arguments.stream ? Format::Json : format;
 }
 
 } // namespace
 
-DiscoverOptions readDiscoverOptions(const DiscoverArguments& arguments, const SnmpEnvironment& environment)
+DiscoverOptions readDiscoverOptions(const DiscoverArguments& arguments, const Credentials& defaults,
+                                    const TargetSources& sources)
 {
     DiscoverOptions options;
-    options.config = {{"usePing", false}, {"pingTimeout", UnusedTimeout}, {"snmpTimeout", UnusedTimeout}};
-    options.config["includeRanges"] = includeRanges(arguments.targets);
-    options.config["excludeRanges"] = excludeRanges(arguments.excludes);
-    options.config["snmpProfile"] = snmpProfile(arguments.snmp, environment);
+    options.format = resultFormat(arguments);
+    options.stream = arguments.stream;
+    options.quiet = arguments.quiet;
+    options.dryRun = arguments.dryRun;
     options.settings = settingsOf(arguments);
-    options.format = formatOf(arguments.format);
-    options.secrets = secretsOf(options.config["snmpProfile"]);
+    options.profiles = profilesOf(arguments, defaults);
+    if (arguments.diff)
+        options.earlier = readEarlierResult(*arguments.diff);
+    options.ranges = planTargets(arguments.targets, sources);
     return options;
 }
 
-std::string startDocument(const JsonValue& config, const std::string& cookie)
+std::string startDocument(const DiscoverOptions& options, const JsonValue& profile, const std::string& cookie)
 {
+    const JsonValue config = {{"usePing", false},
+                              {"pingTimeout", UnusedTimeout},
+                              {"snmpTimeout", UnusedTimeout},
+                              {"includeRanges", rangesDocument(options.ranges)},
+                              {"excludeRanges", JsonValue::array()},
+                              {"snmpProfile", profile}};
     try {
         return JsonValue{{"cookie", cookie}, {"config", config}}.dump();
     } catch (const JsonValue::type_error&) {
         throw UsageError("community, user, context and passwords have to be UTF-8 texts");
     }
+}
+
+std::string countText(std::uint64_t addresses, std::size_t credentials)
+{
+    std::string text = std::to_string(addresses) + (addresses == 1 ? " address" : " addresses") + " to probe";
+    if (credentials > 1)
+        text += ", with each of " + std::to_string(credentials) + " credentials";
+    return text;
+}
+
+std::string dryRunText(const DiscoverOptions& options)
+{
+    const std::uint64_t addresses = countProbed(options.ranges);
+    if (options.format == Format::Json)
+        return jsonLine({{"ranges", rangesDocument(options.ranges)},
+                         {"addresses", addresses},
+                         {"credentials", options.profiles.size()}});
+    std::string text;
+    for (const AddressRange& range : options.ranges)
+        text += rangeText(range) + '\n';
+    return text + "# " + countText(addresses, options.profiles.size()) + '\n';
 }
 
 std::string initDocument(const std::string& dataStore, const std::map<std::string, std::string>& settings)

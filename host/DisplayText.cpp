@@ -1,5 +1,7 @@
 #include "host/DisplayText.h"
 
+#include "host/CharacterWidths.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -13,29 +15,10 @@ namespace {
 
 constexpr std::size_t LongestQuote = 80;
 
-struct CharacterRange {
-    char32_t first;
-    char32_t last;
-};
-
-/// Sorted. Marks that are drawn over the character before them.
-constexpr CharacterRange Combining[] = {
-    {0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x0610, 0x061A}, {0x064B, 0x065F}, {0x0670, 0x0670},
-    {0x06D6, 0x06DC}, {0x0E31, 0x0E31}, {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF}, {0x1DC0, 0x1DFF},
-    {0x200C, 0x200D}, {0x20D0, 0x20FF}, {0x3099, 0x309A}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F},
-};
-
-/// Sorted. Characters two columns wide: East Asian scripts, full-width forms, pictographs.
-constexpr CharacterRange Wide[] = {
-    {0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0x4DBF},   {0x4E00, 0xA4CF},   {0xA960, 0xA97C},
-    {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},   {0xFF01, 0xFF60},   {0xFFE0, 0xFFE6},
-    {0x1F300, 0x1F64F}, {0x1F680, 0x1F6FF}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD},
-};
-
 /// Sorted. Characters that show nothing but change how the rest is shown.
 constexpr CharacterRange Formatting[] = {
-    {0x00AD, 0x00AD}, {0x061C, 0x061C}, {0x200B, 0x200B}, {0x200E, 0x200F},
-    {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF},
+    {0x00AD, 0x00AD}, {0x061C, 0x061C}, {0x180E, 0x180E}, {0x200B, 0x200B}, {0x200E, 0x200F},
+    {0x2028, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE0FFF},
 };
 
 bool isIn(std::span<const CharacterRange> ranges, char32_t character)
@@ -102,9 +85,9 @@ bool isControl(char32_t code)
 
 std::size_t widthOf(char32_t code)
 {
-    if (isIn(Combining, code))
+    if (isIn(combiningCharacters(), code))
         return 0;
-    return isIn(Wide, code) ? 2 : 1;
+    return isIn(wideCharacters(), code) ? 2 : 1;
 }
 
 } // namespace
@@ -131,6 +114,14 @@ std::string inQuotes(std::string_view text)
     return '"' + printable(text.substr(0, LongestQuote)) + (cut ? "...\"" : "\"");
 }
 
+std::string joined(const std::vector<std::string>& texts)
+{
+    std::string result;
+    for (const std::string& text : texts)
+        result += (result.empty() ? "" : " ") + text;
+    return result;
+}
+
 std::size_t displayWidth(std::string_view text)
 {
     std::size_t width = 0;
@@ -148,6 +139,22 @@ std::string padded(std::string text, std::size_t width)
     if (used < width)
         text.append(width - used, ' ');
     return text;
+}
+
+std::string shortened(const std::string& text, std::size_t width)
+{
+    if (displayWidth(text) <= width)
+        return text;
+    std::size_t used = 1; // for the ellipsis
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const Character character = firstCharacter(rest);
+        used += widthOf(character.code);
+        if (used > width)
+            break;
+        rest.remove_prefix(character.bytes);
+    }
+    return text.substr(0, text.size() - rest.size()) + "…";
 }
 
 } // namespace Host

@@ -22,6 +22,8 @@ JsonValue parseJson(const std::string& text)
         return JsonValue::parse(text, guard);
     } catch (const JsonValue::parse_error& error) { // its own text quotes the input
         throw RpcError(RpcCode::ParseError, "the message is not JSON (byte " + std::to_string(error.byte) + ")");
+    } catch (const JsonValue::out_of_range&) {
+        throw RpcError(RpcCode::ParseError, "the message is not JSON (a number is out of range)");
     }
 }
 

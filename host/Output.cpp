@@ -15,4 +15,9 @@ void writeOutput(std::string_view text)
         throw Failure("cannot write to standard output: " + std::generic_category().message(errno));
 }
 
+void reportError(const char* message)
+{
+    std::fprintf(stderr, "printer-discovery: %s\n", message);
+}
+
 } // namespace Host

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Host {
 
@@ -13,6 +14,9 @@ std::filesystem::path programFolder();
 
 /// The user's folder for configuration; empty when the system names none.
 std::filesystem::path configurationFolder();
+
+/// Where the net-snmp tools keep their configuration, the user's own file first.
+std::vector<std::string> snmpConfFiles();
 
 /// The name that the plug-in's library has on this system.
 const char* pluginFileName();
@@ -24,7 +28,10 @@ enum class Stream { Output, Error };
 
 bool isTerminal(Stream stream);
 
-/// Columns of the terminal that standard error is connected to; 80 when it does not say.
-std::size_t terminalWidth();
+/// Whether the stream is a terminal that shows colours.
+bool showsColours(Stream stream);
+
+/// Columns of the terminal that a stream is connected to; 80 when it does not say.
+std::size_t terminalWidth(Stream stream);
 
 } // namespace Host

@@ -10,6 +10,15 @@
 
 namespace Host {
 
+namespace {
+
+int descriptorOf(Stream stream)
+{
+    return stream == Stream::Output ? STDOUT_FILENO : STDERR_FILENO;
+}
+
+} // namespace
+
 std::filesystem::path programFolder()
 {
     std::error_code error;
@@ -29,6 +38,14 @@ std::filesystem::path configurationFolder()
     return {};
 }
 
+std::vector<std::string> snmpConfFiles()
+{
+    std::vector<std::string> files = {"/etc/snmp/snmp.conf"};
+    if (const auto home = environmentVariable("HOME"))
+        files.insert(files.begin(), *home + "/.snmp/snmp.conf");
+    return files;
+}
+
 const char* pluginFileName()
 {
     return "libPrinterDiscovery.so";
@@ -44,13 +61,19 @@ std::optional<std::string> environmentVariable(const char* name)
 
 bool isTerminal(Stream stream)
 {
-    return isatty(stream == Stream::Output ? STDOUT_FILENO : STDERR_FILENO) == 1;
+    return isatty(descriptorOf(stream)) == 1;
 }
 
-std::size_t terminalWidth()
+bool showsColours(Stream stream)
+{
+    const auto terminal = environmentVariable("TERM");
+    return isTerminal(stream) && terminal && *terminal != "dumb";
+}
+
+std::size_t terminalWidth(Stream stream)
 {
     winsize size{};
-    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0)
+    if (ioctl(descriptorOf(stream), TIOCGWINSZ, &size) != 0 || size.ws_col == 0)
         return 80;
     return size.ws_col;
 }

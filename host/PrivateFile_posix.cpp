@@ -14,8 +14,6 @@ namespace Host {
 
 namespace {
 
-constexpr std::size_t LargestSecret = 4096;
-
 class Descriptor {
 public:
     explicit Descriptor(int value) : value_(value) {}
@@ -40,7 +38,7 @@ private:
 
 } // namespace
 
-std::string readPrivateFile(const std::string& path, const std::string& option)
+std::string readPrivateFile(const std::string& path, const std::string& option, std::size_t most)
 {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status {};
@@ -49,7 +47,7 @@ std::string readPrivateFile(const std::string& path, const std::string& option)
     if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
         throw UsageError(option + ": others than the owner of " + path + " have access to it; chmod 600 mends that");
     std::string content;
-    content.resize(LargestSecret);
+    content.resize(most);
     std::size_t length = 0;
     while (length < content.size()) {
         const ssize_t count = read(file.get(), content.data() + length, content.size() - length);

@@ -1,9 +1,10 @@
 #include "host/ResultFormats.h"
 
+#include "host/Addresses.h"
+#include "host/ComparisonFormats.h"
 #include "host/DisplayText.h"
-#include "host/PluginReply.h"
+#include "host/PrinterDocument.h"
 #include "host/Table.h"
-#include "host/Targets.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -26,13 +27,7 @@ void sortByAddress(RunResult& result)
                      [](const Printer& a, const Printer& b) { return sortKey(a) < sortKey(b); });
 }
 
-std::string joined(const std::vector<std::string>& texts)
-{
-    std::string result;
-    for (const std::string& text : texts)
-        result += (result.empty() ? "" : " ") + text;
-    return result;
-}
+constexpr std::size_t WholeMac = 18; // columns of one address and the sign that there are more
 
 bool looksLikeFormula(std::string_view text)
 {
@@ -66,17 +61,7 @@ std::string csvField(std::string_view text)
     return result + '"';
 }
 
-JsonValue document(const Printer& printer)
-{
-    return {{"hostname", printer.hostname},
-            {"ip", printer.ip},
-            {"mac", printer.mac},
-            {"name", printer.name},
-            {"sn", printer.sn}};
-}
-
-/// JSON writers leave DEL and the control characters U+0080 to U+009F as they are; terminals act on them. They can only
-/// stand within strings.
+/// They can only stand within strings.
 std::string withEscapedControls(const std::string& json)
 {
     static constexpr std::string_view digits = "0123456789abcdef";
@@ -96,15 +81,29 @@ std::string withEscapedControls(const std::string& json)
     return result;
 }
 
+JsonValue headOf(const RunResult& result)
+{
+    return {{"step", result.step}, {"total", result.total}, {"state", result.state}};
+}
+
+std::string withTail(JsonValue document, const RunResult& result, const std::optional<Comparison>& comparison)
+{
+    if (result.interrupted)
+        document["interrupted"] = true;
+    if (comparison)
+        document["diff"] = comparisonDocument(*comparison);
+    return jsonLine(document);
+}
+
 } // namespace
 
-std::string tableText(RunResult result)
+std::string tableText(RunResult result, const TextStyle& style)
 {
     sortByAddress(result);
-    Table table({"ADDRESS", "NAME", "SERIAL", "MAC", "HOST NAME"});
+    Table table({"ADDRESS", "NAME", "SERIAL", "MAC", "HOST NAME"}, {0, 8, 8, WholeMac, 9});
     for (const Printer& printer : result.printers)
         table.add({printer.ip, printer.name, printer.sn, joined(printer.mac), printer.hostname});
-    return table.text();
+    return table.text(style);
 }
 
 std::string csvText(RunResult result)
@@ -117,29 +116,27 @@ std::string csvText(RunResult result)
     return text;
 }
 
-std::string jsonText(RunResult result)
+std::string jsonText(RunResult result, const std::optional<Comparison>& comparison)
 {
     sortByAddress(result);
+    JsonValue document = headOf(result);
     JsonValue printers = JsonValue::array();
     for (const Printer& printer : result.printers)
-        printers.push_back(document(printer));
-    JsonValue all = {{"step", result.step}, {"total", result.total}, {"state", result.state}};
-    all["printers"] = std::move(printers);
-    if (result.interrupted)
-        all["interrupted"] = true;
-    return withEscapedControls(all.dump()) + '\n';
+        printers.push_back(documentOf(printer));
+    document["printers"] = std::move(printers);
+    return withTail(std::move(document), result, comparison);
 }
 
-std::string resultText(Format format, RunResult result)
+std::string streamEnd(const RunResult& result, const std::optional<Comparison>& comparison)
 {
-    switch (format) {
-    case Format::Json:
-        return jsonText(std::move(result));
-    case Format::Csv:
-        return csvText(std::move(result));
-    default:
-        return tableText(std::move(result));
-    }
+    JsonValue document = headOf(result);
+    document["found"] = result.printers.size();
+    return withTail(std::move(document), result, comparison);
+}
+
+std::string jsonLine(const JsonValue& document)
+{
+    return withEscapedControls(document.dump()) + '\n';
 }
 
 } // namespace Host

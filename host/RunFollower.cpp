@@ -2,6 +2,7 @@
 
 #include "host/Errors.h"
 #include "host/PluginReply.h"
+#include "host/PrinterDocument.h"
 #include "host/Service.h"
 
 #include <algorithm>
@@ -24,13 +25,6 @@ JsonValue succeed(const std::string& operation, const std::string& reply)
     if (const auto error = errorOf(document))
         throw Failure(operation + " failed: " + error->message);
     return document;
-}
-
-Printer printerOf(const JsonValue& document)
-{
-    return {document.at("hostname").get<std::string>(), document.at("ip").get<std::string>(),
-            document.at("mac").get<std::vector<std::string>>(), document.at("name").get<std::string>(),
-            document.at("sn").get<std::string>()};
 }
 
 /// Counts are written as signed 32-bit numbers.

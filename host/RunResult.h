@@ -14,13 +14,15 @@ struct Printer {
     std::vector<std::string> mac;
     std::string name;
     std::string sn;
+    bool operator==(const Printer&) const = default;
 };
 
 constexpr int StateFinished = 1; ///< no work of the run is pending
 
+/// Of several runs with different credentials: their sums, and each printer once.
 struct RunResult {
-    std::uint32_t step = 0;    ///< addresses probed
-    std::uint32_t total = 0;   ///< addresses to probe
+    std::uint64_t step = 0;    ///< addresses probed
+    std::uint64_t total = 0;   ///< addresses to probe
     int state = StateFinished; ///< as the plug-in last reported it
     std::vector<Printer> printers;
     bool interrupted = false;

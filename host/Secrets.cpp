@@ -4,23 +4,21 @@
 #include "host/PrivateFile.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
 namespace Host {
 
-std::optional<std::string> resolveSecret(const SecretSource& source, const std::string& fileOption)
-{
-    if (source.option)
-        return source.option;
-    if (source.file)
-        return readSecretFile(*source.file, fileOption);
-    return source.environment;
-}
+namespace {
+
+constexpr std::size_t LongestSecret = 4096;
+
+} // namespace
 
 std::string readSecretFile(const std::string& path, const std::string& option)
 {
-    std::string secret = readPrivateFile(path, option);
+    std::string secret = readPrivateFile(path, option, LongestSecret);
     secret.erase(std::min(secret.find_first_of("\r\n"), secret.size()));
     if (secret.empty())
         throw UsageError(option + ": " + path + " is empty; its first line is to hold the secret");

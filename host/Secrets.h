@@ -1,23 +1,11 @@
 /// Passwords and communities, kept out of the process list and away from other users.
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace Host {
-
-/// The three ways in which a secret can be given, by falling precedence.
-struct SecretSource {
-    std::optional<std::string> option;      ///< the command line's value
-    std::optional<std::string> file;        ///< path of a file that holds it
-    std::optional<std::string> environment; ///< the environment variable's value
-};
-
-/// The secret, if it is given at all. `fileOption` is the option's name for messages. Throws `UsageError` as
-/// `readSecretFile` does.
-std::optional<std::string> resolveSecret(const SecretSource& source, const std::string& fileOption);
 
 /// The first line of the file at `path`, without its end. Throws `UsageError` that begins with `option` when the file
 /// cannot be read, when anyone but its owner may read or write it, or when the line is empty or not text.

@@ -7,9 +7,11 @@
 #include "host/PluginLibrary.h"
 #include "host/PluginReply.h"
 #include "host/RpcServer.h"
+#include "host/TaskLimitNote.h"
 
 #include <atomic>
 #include <cstdlib>
+#include <iostream>
 #include <string>
 #include <utility>
 
@@ -84,6 +86,7 @@ ExitCode serve(const ServeArguments& arguments)
     Interruption interruption;
     PluginLibrary plugin(pluginFile(arguments.plugin));
     requireStarted(plugin.init(initDocument(dataStoreFile(arguments.dataStore), {})));
+    noteLoweredTaskLimit(std::cerr);
     StdioSession session(plugin, interruption);
     if (!session.run() || !session.finish()) {
         session.finishInterrupted();

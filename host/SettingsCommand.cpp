@@ -67,14 +67,14 @@ std::string listAsJson(const Kep::Host::DataStore& store)
 }
 
 /// A line of the table for each setting, and under it what it means.
-std::string listAsTable(const Kep::Host::DataStore& store)
+std::string listAsTable(const Kep::Host::DataStore& store, const TextStyle& style)
 {
     Table table({"SETTING", "VALUE", "DEFAULT"});
     for (const Setting& setting : Kep::Host::settings()) {
         const Value value = valueOf(store, setting);
         table.add({std::string(setting.key), value.text, std::string(setting.defaultValue)});
     }
-    std::istringstream lines(table.text());
+    std::istringstream lines(table.text(style));
     std::ostringstream text;
     std::string line;
     std::getline(lines, line);
@@ -111,7 +111,7 @@ Kep::Host::DataStore openStore(const std::string& option)
 
 } // namespace
 
-ExitCode settings(const SettingsArguments& arguments, std::ostream& output)
+ExitCode settings(const SettingsArguments& arguments, std::ostream& output, const TextStyle& style)
 {
     using Action = SettingsArguments::Action;
     const bool json = asJson(arguments.format);
@@ -120,7 +120,7 @@ ExitCode settings(const SettingsArguments& arguments, std::ostream& output)
     Kep::Host::DataStore store = openStore(arguments.dataStore);
     switch (arguments.action) {
     case Action::List:
-        output << (json ? listAsJson(store) : listAsTable(store));
+        output << (json ? listAsJson(store) : listAsTable(store, style));
         break;
     case Action::Get: {
         const Setting& setting = settingOf(arguments.key);

@@ -1,10 +1,11 @@
 /// SNMP credentials as the net-snmp tools spell them on their command lines.
 #pragma once
 
-#include "host/PluginReply.h"
+#include "host/Credentials.h"
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Host {
 
@@ -14,15 +15,22 @@ struct SnmpArguments {
         authPasswordFile, privProtocol, privPassword, privPasswordFile, context, port;
 };
 
-/// Secrets that the environment offers.
-struct SnmpEnvironment {
-    std::optional<std::string> community, authPassword, privPassword;
-};
+/// What the options say, secrets read from their files. Throws `UsageError` as `readSecretFile` does.
+Credentials credentialsOf(const SnmpArguments& arguments);
+
+/// The secrets that stand on the command line itself.
+std::vector<std::string> secretsOf(const SnmpArguments& arguments);
+
+/// The first option of `arguments` that says something of credentials, if any: "-c".
+std::optional<std::string> firstCredentialOption(const SnmpArguments& arguments);
+
+/// The port of `--port`, by default 161. Throws `UsageError` when it is none.
+int portOf(const SnmpArguments& arguments);
 
 /// Reads the three environment variables that docs/host.md names.
-SnmpEnvironment snmpEnvironment();
+Credentials environmentCredentials();
 
-/// The member "snmpProfile" of a start request. Throws `UsageError` that names the option and says what is accepted.
-JsonValue snmpProfile(const SnmpArguments& arguments, const SnmpEnvironment& environment);
+/// How the options are called.
+const CredentialNames& optionNames();
 
 } // namespace Host

@@ -1,7 +1,9 @@
 #include "host/Commands.h"
 #include "host/Errors.h"
+#include "host/LocalNetworks.h"
 #include "host/Output.h"
 #include "host/Secrets.h"
+#include "host/SnmpConf.h"
 
 #include <cstdio>
 #include <exception>
@@ -24,19 +26,21 @@ struct Run {
 
     ExitCode operator()(const DiscoverArguments& command) const
     {
-        const DiscoverOptions options = readDiscoverOptions(command, snmpEnvironment());
-        hideArguments(arguments, options.secrets);
+        hideArguments(arguments, secretsOf(command.snmp));
+        const DiscoverOptions options =
+            readDiscoverOptions(command, overlaid(environmentCredentials(), snmpConfCredentials()),
+                                {.standardInput = std::cin, .localNetworks = localNetworks});
         return discover(command, options);
     }
 
     ExitCode operator()(const ServeArguments& command) const { return serve(command); }
 
-    ExitCode operator()(const SettingsArguments& command) const { return settings(command, std::cout); }
+    ExitCode operator()(const SettingsArguments& command) const { return settings(command, std::cout, outputStyle()); }
 };
 
 ExitCode report(ExitCode code, const char* message)
 {
-    std::fprintf(stderr, "printer-discovery: %s\n", message);
+    reportError(message);
     if (code == ExitCode::Usage)
         std::fputs("printer-discovery --help shows how to use it\n", stderr);
     return code;

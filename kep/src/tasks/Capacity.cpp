@@ -20,33 +20,45 @@ std::size_t neededFor(int rate, std::chrono::milliseconds timeout) noexcept
     return std::clamp(inTimeout + inTimeout / 2, leastForRate, mostChosen);
 }
 
+const Capacity& machineCapacity()
+{
+    static const Capacity capacity = [] {
+        raiseDescriptorLimit();
+        return narrowest(machineBounds());
+    }();
+    return capacity;
+}
+
 } // namespace
 
-Host::Capacity narrowest(const std::vector<CapacityBound>& bounds) noexcept
+Capacity narrowest(const std::vector<Capacity>& bounds) noexcept
 {
-    Host::Capacity capacity{.tasks = mostThatCanBeSet, .limitedBy = {}};
-    for (const CapacityBound& bound : bounds) {
+    Capacity capacity{.tasks = mostThatCanBeSet, .resource = {}};
+    for (const Capacity& bound : bounds) {
         if (bound.tasks < capacity.tasks) {
-            capacity = {.tasks = std::max<std::size_t>(bound.tasks, 1), .limitedBy = bound.resource};
+            capacity = {.tasks = std::max<std::size_t>(bound.tasks, 1), .resource = bound.resource};
         }
     }
     return capacity;
 }
 
-std::size_t taskLimit(const HostSettings& settings, std::size_t most) noexcept
+Host::TaskLimit limitUnder(const HostSettings& settings, const Capacity& machine) noexcept
 {
-    const std::size_t unpaced =
-        settings.snmpRate == 0 ? mostChosen : neededFor(settings.snmpRate, settings.snmpTimeout);
-    return std::min(settings.taskLimit.value_or(unpaced), most);
+    if (!settings.taskLimit) {
+        const std::size_t useful =
+            settings.snmpRate == 0 ? mostChosen : neededFor(settings.snmpRate, settings.snmpTimeout);
+        return {.tasks = std::min(useful, machine.tasks), .asked = 0, .loweredBy = {}};
+    }
+    const std::size_t asked = *settings.taskLimit;
+    if (asked <= machine.tasks) {
+        return {.tasks = asked, .asked = asked, .loweredBy = {}};
+    }
+    return {.tasks = machine.tasks, .asked = asked, .loweredBy = machine.resource};
 }
 
-Host::Capacity Host::taskCapacity()
+Host::TaskLimit Host::taskLimit()
 {
-    static const Host::Capacity capacity = [] {
-        raiseDescriptorLimit();
-        return narrowest(machineBounds());
-    }();
-    return capacity;
+    return limitUnder(hostSettings(), machineCapacity());
 }
 
 } // namespace Kep

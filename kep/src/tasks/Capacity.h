@@ -9,20 +9,20 @@
 
 namespace Kep {
 
-/// What one part of the machine allows.
-struct CapacityBound {
+/// Most tasks that run at once, and what bounds them.
+struct Capacity {
     std::size_t tasks;
-    std::string_view resource; ///< as in `Host::Capacity`
+    std::string_view resource; ///< for people: "open files", "memory", ...
 };
 
 /// What the parts of this machine allow the process, read anew. Parts that tell nothing are left out. Any thread.
-std::vector<CapacityBound> machineBounds();
+std::vector<Capacity> machineBounds();
 
 /// The narrowest of `bounds`, at least one task; without any, as many tasks as can be set. Any thread.
-Host::Capacity narrowest(const std::vector<CapacityBound>& bounds) noexcept;
+Capacity narrowest(const std::vector<Capacity>& bounds) noexcept;
 
-/// How many tasks to run at once under `settings` on a machine that can run `most`. Where none are set: as many as
-/// keep the packet rate up when no address answers, and 16,384 without a rate. Any thread.
-std::size_t taskLimit(const HostSettings& settings, std::size_t most) noexcept;
+/// The limit under `settings` on a machine of that capacity. Where none is set: as many tasks as keep the packet rate
+/// up when no address answers, and 16,384 without a rate. Any thread.
+Host::TaskLimit limitUnder(const HostSettings& settings, const Capacity& machine) noexcept;
 
 } // namespace Kep

@@ -15,7 +15,7 @@ constexpr std::size_t bytesOfTask = 48 * std::size_t{1024};
 constexpr std::size_t mappingsOfTask = 2; // a stack and the guard below it
 constexpr std::size_t descriptorsOfTask = 1;
 
-// Left to everything else in the process, or on the machine.
+// Left to everything else in the process, or on the machine; but not more than half.
 constexpr std::size_t otherDescriptors = 512;
 constexpr std::size_t otherThreads = 1024;
 constexpr std::size_t otherMappings = 4096;
@@ -23,7 +23,7 @@ constexpr std::size_t otherPorts = 2048;
 
 std::size_t less(std::size_t all, std::size_t others)
 {
-    return all - std::min(all, others);
+    return all - std::min(all / 2, others);
 }
 
 // The number that begins a file of the system; nothing where there is none, as in "max".
@@ -53,7 +53,7 @@ std::optional<std::size_t> portCount()
     std::ifstream file("/proc/sys/net/ipv4/ip_local_port_range");
     std::size_t first = 0;
     std::size_t last = 0;
-    return file >> first >> last ? std::optional(less(last + 1, first)) : std::nullopt;
+    return file >> first >> last && first <= last ? std::optional(last + 1 - first) : std::nullopt;
 }
 
 std::optional<std::size_t> resourceLimit(__rlimit_resource resource)
@@ -74,15 +74,15 @@ public:
         }
     }
 
-    std::vector<CapacityBound> take() { return std::move(list_); }
+    std::vector<Capacity> take() { return std::move(list_); }
 
 private:
-    std::vector<CapacityBound> list_;
+    std::vector<Capacity> list_;
 };
 
 } // namespace
 
-std::vector<CapacityBound> machineBounds()
+std::vector<Capacity> machineBounds()
 {
     Bounds bounds;
     bounds.add(resourceLimit(RLIMIT_NOFILE), otherDescriptors, descriptorsOfTask, "open files");

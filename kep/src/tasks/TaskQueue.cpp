@@ -1,9 +1,8 @@
 #include "tasks/TaskQueue.h"
 
 #include "Kep/Exception.h"
+#include "Kep/Host/Tasks.h"
 #include "base/Immortal.h"
-#include "settings/HostSettings.h"
-#include "tasks/Capacity.h"
 #include "tasks/CurrentCall.h"
 #include "tasks/SleeperTable.h"
 
@@ -71,9 +70,8 @@ TaskQueue& TaskQueue::process()
 {
     struct Parts {
         Parts() { makeRoomForSleepers(); }
-        const std::size_t most = Host::taskCapacity().tasks;
         SystemTaskThreads threads;
-        TaskQueue queue{threads, {.limit = [most = most] { return taskLimit(hostSettings(), most); }}};
+        TaskQueue queue{threads, {.limit = [] { return Host::taskLimit().tasks; }}};
     };
     static Immortal<Parts> parts;
     return (*parts).queue;

@@ -1,5 +1,7 @@
 #include "host/DisplayText.h"
 
+#include "host/CharacterWidths.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -65,6 +67,48 @@ TEST(DisplayText, WidthCountsColumns)
     EXPECT_EQ(displayWidth("ﬀ"), 1U);
     EXPECT_EQ(displayWidth("Ａ"), 2U);
     EXPECT_EQ(displayWidth("😀"), 2U);
+}
+
+TEST(DisplayText, WidthsAreThoseOfUnicode)
+{
+    EXPECT_EQ(displayWidth("ที่"), 1U);                    // Thai: a consonant with two marks
+    EXPECT_EQ(displayWidth("हिन्दी"), 5U);                // Devanagari: the virama takes no column
+    EXPECT_EQ(displayWidth("\u05E9\u05C1"), 1U);         // Hebrew point
+    EXPECT_EQ(displayWidth("\u1112\u1161\u11AB"), 2U);   // a Hangul syllable in parts
+    EXPECT_EQ(displayWidth("\u231A\u2705\u2B50"), 6U);   // pictographs outside the emoji block
+    EXPECT_EQ(displayWidth("\u302A"), 0U);               // a mark among wide characters
+    EXPECT_EQ(displayWidth("\U00020000\U0003FFFD"), 4U); // the first and last place for ideographs
+    EXPECT_EQ(displayWidth("\u20AC\u2500\u00B1"), 3U);   // ambiguous ones are narrow
+}
+
+TEST(DisplayText, WidthTablesAreSorted)
+{
+    for (const auto& table : {combiningCharacters(), wideCharacters()})
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            EXPECT_LE(table[i].first, table[i].last);
+            EXPECT_TRUE(i == 0 || table[i - 1].last < table[i].first) << i;
+        }
+}
+
+TEST(DisplayText, InvisibleTagsBecomeVisible)
+{
+    EXPECT_EQ(printable("a\U000E0041\u180E\uFFF9"), "a\\uE0041\\u180E\\uFFF9");
+}
+
+TEST(DisplayText, ShorteningEndsWithAnEllipsis)
+{
+    EXPECT_EQ(shortened("abcdef", 6), "abcdef");
+    EXPECT_EQ(shortened("abcdef", 5), "abcd…");
+    EXPECT_EQ(shortened("abcdef", 1), "…");
+    EXPECT_EQ(shortened("漢字漢字", 6), "漢字…");
+    EXPECT_EQ(shortened("e\u0301e\u0301e\u0301", 2), "e\u0301…");
+}
+
+TEST(DisplayText, JoiningPutsABlankBetween)
+{
+    EXPECT_EQ(joined({}), "");
+    EXPECT_EQ(joined({"a"}), "a");
+    EXPECT_EQ(joined({"a", "b"}), "a b");
 }
 
 TEST(DisplayText, PaddingGoesByColumns)

@@ -59,6 +59,11 @@ TEST(JsonRpcRequests, ThatAreNotJsonAreNeverQuoted)
     }
 }
 
+TEST(JsonRpcRequests, WithNumbersOutOfRangeAreRefused)
+{
+    EXPECT_EQ(refusal(R"({"jsonrpc":"2.0","method":"m","id":1e400})").code, -32700);
+}
+
 TEST(JsonRpcRequests, NestedTooDeeplyAreRefused)
 {
     const auto nested = [](std::size_t depth) {

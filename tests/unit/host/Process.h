@@ -14,6 +14,7 @@ public:
     struct Options {
         std::vector<std::string> environment; ///< NAME=VALUE, beside or in place of what the test has
         bool terminal = false;                ///< standard error is a terminal of 60 columns
+        bool outputTerminal = false;          ///< standard output is one
         std::string outputFile;               ///< where standard output goes, if not to the test
     };
 
@@ -25,6 +26,7 @@ public:
 
     void write(const std::string& text) const;
     void closeInput();
+    void closeOutput();
     void signal(int number) const;
 
     /// The command line as other users of the system see it; arguments end with a NUL each.

@@ -99,7 +99,7 @@ Process::Process(std::vector<std::string> command, const Options& options)
     const std::vector<char*> arguments = pointers(command);
     const std::vector<char*> variables = pointers(environment);
     Pipe in = makePipe();
-    Pipe out = makePipe();
+    Pipe out = options.outputTerminal ? makeTerminal() : makePipe();
     Pipe error = options.terminal ? makeTerminal() : makePipe();
     if (!options.outputFile.empty()) {
         closeOnce(out.write);
@@ -143,6 +143,11 @@ void Process::write(const std::string& text) const
             throw std::runtime_error("the program does not read");
         left.remove_prefix(static_cast<std::size_t>(count));
     }
+}
+
+void Process::closeOutput()
+{
+    closeOnce(outputPipe_);
 }
 
 void Process::closeInput()

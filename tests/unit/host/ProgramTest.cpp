@@ -1,4 +1,5 @@
 /// The built program as a user or a script meets it.
+#include "host/DisplayText.h"
 #include "tests/unit/host/Process.h"
 #include "tests/unit/host/SilentAgent.h"
 #include "tests/unit/host/TemporaryFolder.h"
@@ -31,7 +32,10 @@ protected:
     TemporaryFolder folder;
 
     /// The program with a configuration folder of the test's own.
-    Process::Options quiet() const { return {{"XDG_CONFIG_HOME=" + folder.file("config")}, false, {}}; }
+    Process::Options quiet() const
+    {
+        return {{"XDG_CONFIG_HOME=" + folder.file("config"), "HOME=" + folder.file("home")}, false, false, {}};
+    }
 
     static std::vector<std::string> command(std::vector<std::string> arguments)
     {
@@ -137,7 +141,7 @@ TEST_F(TheProgram, FindingNothingIsADocumentAndNothingElse)
         {"discover", "127.78.0.1-127.78.0.3", "--exclude", "127.78.0.2", "--port", closedPort(), "--format", "json"});
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.output, "{\"step\":2,\"total\":2,\"state\":1,\"printers\":[]}\n");
-    EXPECT_EQ(ended.errors, "");
+    EXPECT_EQ(ended.errors, "2 addresses to probe\n");
 }
 
 TEST_F(TheProgram, ARunOfNoAddressesFinishes)
@@ -168,7 +172,7 @@ TEST_F(TheProgram, AnInterruptedRunPrintsWhatItHasWithoutWaitingForProbes)
         process.signal(number);
         EXPECT_EQ(process.wait(), 130);
         EXPECT_EQ(process.output(), "{\"step\":0,\"total\":1,\"state\":2,\"printers\":[],\"interrupted\":true}\n");
-        EXPECT_EQ(process.errors(), "");
+        EXPECT_EQ(process.errors(), "1 address to probe\n");
     }
 }
 
@@ -308,8 +312,77 @@ TEST_F(TheProgram, CanBeInterruptedAfterTheEndOfInput)
     EXPECT_EQ(process.wait(), 130);
 }
 
+TEST_F(TheProgram, DryRunsPrintWhatWouldBeSweptAndDoNothing)
+{
+    const Ended ended =
+        run({"discover", "127.78.0-1.1-9", "--exclude", "127.78.0.5", "--dry-run", "--plugin", "/nonexistent"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output,
+              "127.78.0.1-127.78.0.4\n127.78.0.6-127.78.0.9\n127.78.1.1-127.78.1.9\n# 17 addresses to probe\n");
+    EXPECT_EQ(ended.errors, "");
+    EXPECT_EQ(run({"discover", "127.78.0.1", "--dry-run", "-v3"}).status, 2) << "what is wrong is refused";
+}
+
+TEST_F(TheProgram, SaysNothingOnStandardErrorWhenQuiet)
+{
+    const SilentAgent agent({"127.78.0.1"});
+    Process::Options options = quiet();
+    options.terminal = true;
+    const Ended ended = run({"discover", "127.78.0.1", "-q", "--port", agent.port(), "-t", "0.1", "-r", "0"}, options);
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.errors, "");
+}
+
+TEST_F(TheProgram, ReadsTargetsFromStandardInput)
+{
+    Process process(command({"discover", "-", "--dry-run"}), quiet());
+    process.write("127.78.0.1 # one\n127.78.0.7,9\n");
+    process.closeInput();
+    EXPECT_EQ(process.wait(), 0);
+    EXPECT_EQ(process.output(), "127.78.0.1\n127.78.0.7\n127.78.0.9\n# 3 addresses to probe\n");
+}
+
+TEST_F(TheProgram, HidesSecretsBeforeItReadsTargets)
+{
+    Process process(command({"discover", "-", "-v3", "-uadmin", "-aSHA", "-Aauthentic"}), quiet());
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (process.shownCommandLine().find("-A*") == std::string::npos && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    EXPECT_THAT(process.shownCommandLine(), AllOf(HasSubstr("-A*********"), Not(HasSubstr("authentic"))));
+    process.closeInput();
+    EXPECT_EQ(process.wait(), 2);
+    EXPECT_THAT(process.errors(), AllOf(HasSubstr("no target"), Not(HasSubstr("authentic"))));
+}
+
+TEST_F(TheProgram, RefusesACredentialsFileThatOthersCanRead)
+{
+    const std::string path = folder.write("credentials", "[a]\ncommunity = s3cret\n", std::filesystem::perms(0640));
+    const Ended ended = run({"discover", "127.78.0.1", "--credentials", path});
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_THAT(ended.errors, AllOf(HasSubstr(path), HasSubstr("chmod 600"), Not(HasSubstr("s3cret"))));
+}
+
+TEST_F(TheProgram, TakesDefaultsFromTheConfigurationOfTheSnmpTools)
+{
+    std::filesystem::create_directories(folder.file("home/.snmp"));
+    folder.write("home/.snmp/snmp.conf", "defVersion 3\ndefSecurityName admin\ndefAuthType SHA-999\n");
+    const Ended refused = run({"discover", "127.78.0.1", "--dry-run"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.errors, HasSubstr("defAuthType of " + folder.file("home/.snmp/snmp.conf")));
+    EXPECT_EQ(run({"discover", "127.78.0.1", "--dry-run", "-v", "2c"}).status, 0);
+    EXPECT_EQ(run({"discover", "127.78.0.1", "--dry-run", "-l", "noAuthNoPriv"}).status, 0);
+}
+
 /// The devices of the lab on an address block of this test's own.
 class TheProgramAndTheLab : public TheProgram {
+public:
+    static std::string portOf(const std::string& announcement)
+    {
+        const std::string before = "UDP port ";
+        const auto begin = announcement.find(before) + before.size();
+        return announcement.substr(begin, announcement.find(',', begin) - begin);
+    }
+
 protected:
     static constexpr const char* Network = "127.79.0.0/24";
 
@@ -317,13 +390,6 @@ protected:
     std::string port = portOf(lab.line());
 
     void SetUp() override { ASSERT_EQ(lab.line(), "ready"); }
-
-    static std::string portOf(const std::string& announcement)
-    {
-        const std::string before = "UDP port ";
-        const auto begin = announcement.find(before) + before.size();
-        return announcement.substr(begin, announcement.find(',', begin) - begin);
-    }
 
     /// What a discovery should report, by the lab's own account.
     static Json expectedPrinters()
@@ -357,7 +423,7 @@ TEST_F(TheProgramAndTheLab, FindExactlyThePrinters)
     const Json printers = expectedPrinters();
     EXPECT_GT(printers.size(), 5U);
     EXPECT_EQ(Json::parse(ended.output), (Json{{"step", 254}, {"total", 254}, {"state", 1}, {"printers", printers}}));
-    EXPECT_EQ(ended.errors, "");
+    EXPECT_EQ(ended.errors, "254 addresses to probe\n");
 }
 
 TEST_F(TheProgramAndTheLab, GiveALineForEachPrinter)
@@ -371,6 +437,142 @@ TEST_F(TheProgramAndTheLab, GiveALineForEachPrinter)
                                             HasSubstr(printer["sn"].get<std::string>())));
         EXPECT_EQ(std::count(ended.output.begin(), ended.output.end(), '\n'), static_cast<long>(printers.size()) + 1);
     }
+}
+
+TEST_F(TheProgramAndTheLab, StreamALineForEachPrinterAndTheCountsAtTheEnd)
+{
+    const Json printers = expectedPrinters();
+    const Ended ended =
+        run({"discover", Network, "--port", port, "-t", "1", "-r", "2", "--no-names", "--stream", "-q"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.errors, "");
+    std::vector<Json> lines;
+    std::istringstream text(ended.output);
+    for (std::string line; std::getline(text, line);)
+        lines.push_back(Json::parse(line));
+    ASSERT_EQ(lines.size(), printers.size() + 1);
+    EXPECT_EQ(lines.back(), (Json{{"step", 254}, {"total", 254}, {"state", 1}, {"found", printers.size()}}));
+    lines.pop_back();
+    EXPECT_THAT(lines, testing::UnorderedElementsAreArray(printers.begin(), printers.end()));
+}
+
+TEST_F(TheProgramAndTheLab, StreamPrintersWhileTheRunGoesOn)
+{
+    Process process(command({"discover", Network, "--port", port, "-t", "30", "-r", "9", "--no-names", "--stream"}),
+                    quiet());
+    const Json expected = expectedPrinters();
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_TRUE(Json::parse(process.line()).contains("ip"));
+    process.signal(SIGINT);
+    EXPECT_EQ(process.wait(), 130);
+    const Json end = Json::parse(process.output());
+    EXPECT_EQ(end["found"], expected.size());
+    EXPECT_EQ(end["interrupted"], true);
+}
+
+TEST_F(TheProgramAndTheLab, LeaveAtOnceWhenNobodyReadsTheStreamAnyMore)
+{
+    Process process(command({"discover", Network, "--port", port, "-t", "60", "-r", "9", "--no-names", "--stream"}),
+                    quiet());
+    process.closeOutput();
+    EXPECT_EQ(process.wait(), 1);
+    EXPECT_THAT(process.errors(), HasSubstr("cannot write to standard output"));
+}
+
+TEST_F(TheProgramAndTheLab, CompareWithAnEarlierResult)
+{
+    Json earlier = Json::parse(sweep("json").output);
+    Json& printers = earlier["printers"];
+    ASSERT_GT(printers.size(), 5U);
+    const auto withSerial =
+        std::find_if(printers.begin(), printers.end(), [](const Json& each) { return each["sn"] != ""; });
+    ASSERT_NE(withSerial, printers.end());
+    const std::string movedTo = (*withSerial)["ip"];
+    (*withSerial)["ip"] = "10.9.8.7";
+    printers.push_back(
+        {{"hostname", ""}, {"ip", "127.79.0.250"}, {"mac", Json::array()}, {"name", "Lost"}, {"sn", "LOST1"}});
+    const std::string added = printers[0]["ip"] == "10.9.8.7" ? printers[1]["ip"] : printers[0]["ip"];
+    printers.erase(printers[0]["ip"] == "10.9.8.7" ? 1 : 0);
+    const std::string file = folder.write("earlier.json", earlier.dump());
+    const std::vector<std::string> again = {"discover", Network, "--port",     port, "-t",     "1",
+                                            "-r",       "2",     "--no-names", "-q", "--diff", file};
+
+    const Ended table = run(again);
+    EXPECT_EQ(table.status, 0);
+    EXPECT_THAT(table.output, AllOf(HasSubstr("\n\nCompared with " + file + ": 1 new, 1 gone, 1 moved, 0 changed"),
+                                    HasSubstr("\n+ " + added + "  "), HasSubstr("\n- 127.79.0.250  Lost  LOST1\n"),
+                                    HasSubstr("\n> 10.9.8.7 -> " + movedTo + "  ")));
+    std::vector<std::string> inJson = again;
+    inJson.insert(inJson.end(), {"--format", "json"});
+    const Json diff = Json::parse(run(inJson).output)["diff"];
+    EXPECT_EQ(diff["new"].size(), 1U);
+    EXPECT_EQ(diff["gone"][0]["sn"], "LOST1");
+    EXPECT_EQ(diff["moved"], (Json::array({{{"from", "10.9.8.7"}, {"to", movedTo}}})));
+    EXPECT_EQ(diff["changed"], Json::array());
+    EXPECT_EQ(diff["same"], printers.size() - 2);
+}
+
+TEST_F(TheProgramAndTheLab, FitTheTableToTheTerminal)
+{
+    Process::Options options = quiet();
+    options.outputTerminal = true;
+    options.environment.emplace_back("TERM=xterm");
+    const std::vector<std::string> arguments = {"discover", Network, "--port", port,        "-t",
+                                                "1",        "-r",    "2",      "--no-names"};
+    const std::string coloured = run(arguments, options).output;
+    EXPECT_THAT(coloured, HasSubstr("\x1b[1mADDRESS"));
+    options.environment.emplace_back("NO_COLOR=1");
+    const std::string plain = run(arguments, options).output;
+    EXPECT_THAT(plain, AllOf(Not(HasSubstr("\x1b")), HasSubstr("…")));
+    std::istringstream lines(plain);
+    std::size_t count = 0;
+    for (std::string line; std::getline(lines, line); ++count)
+        EXPECT_LE(displayWidth(line.substr(0, line.find('\r'))), 60U) << line;
+    EXPECT_EQ(count, expectedPrinters().size() + 1);
+}
+
+/// The lab with a community that is not the default.
+class TheProgramAndAPrivateLab : public TheProgram {
+protected:
+    static constexpr const char* Network = "127.81.0.0/24";
+
+    Process lab{{LAB_PROGRAM, "--network", Network, "--port", "0", "--until-stdin-closes", "--community", "s3cond"}};
+    std::string port = TheProgramAndTheLab::portOf(lab.line());
+
+    void SetUp() override { ASSERT_EQ(lab.line(), "ready"); }
+
+    Ended sweep(std::vector<std::string> more, const Process::Options& options)
+    {
+        more.insert(more.begin(),
+                    {"discover", Network, "--port", port, "-t", "0.5", "-r", "1", "--no-names", "--format", "json"});
+        return run(more, options);
+    }
+
+    static std::size_t found(const Ended& ended) { return Json::parse(ended.output)["printers"].size(); }
+};
+
+TEST_F(TheProgramAndAPrivateLab, TryEveryCredential)
+{
+    const std::string file = folder.write("credentials", "[first]\ncommunity = f1rst\n[second]\ncommunity = s3cond\n");
+    const Ended ended = sweep({"--credentials", file}, quiet());
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.errors, "254 addresses to probe, with each of 2 credentials\n");
+    const Json result = Json::parse(ended.output);
+    EXPECT_EQ(result["step"], 508);
+    EXPECT_EQ(result["total"], 508);
+    EXPECT_GT(result["printers"].size(), 5U);
+    EXPECT_EQ(found(sweep({}, quiet())), 0U);
+}
+
+TEST_F(TheProgramAndAPrivateLab, TakeTheCommunityOfCommandLineEnvironmentAndConfigurationInThisOrder)
+{
+    std::filesystem::create_directories(folder.file("home/.snmp"));
+    folder.write("home/.snmp/snmp.conf", "defCommunity s3cond\n");
+    Process::Options options = quiet();
+    EXPECT_GT(found(sweep({}, options)), 5U);
+    options.environment.emplace_back("PRINTER_DISCOVERY_COMMUNITY=wrong");
+    EXPECT_EQ(found(sweep({}, options)), 0U);
+    EXPECT_GT(found(sweep({"-c", "s3cond"}, options)), 5U);
 }
 
 } // namespace

@@ -126,11 +126,12 @@ TEST(CsvFormat, OtherControlCharactersBecomeVisible)
               "ip,name,sn,mac,hostname\r\n10.0.0.1,\"a\\x1B[2J\nb\",,,\r\n");
 }
 
-TEST(Formats, AreChosenByName)
+TEST(StreamFormat, EndsWithTheCounts)
 {
-    EXPECT_EQ(resultText(Format::Json, found({})), jsonText(found({})));
-    EXPECT_EQ(resultText(Format::Csv, found({})), csvText(found({})));
-    EXPECT_EQ(resultText(Format::Table, found({})), tableText(found({})));
+    RunResult result = found({Office, printer("10.0.0.1")});
+    EXPECT_EQ(streamEnd(result), "{\"step\":254,\"total\":254,\"state\":1,\"found\":2}\n");
+    result.interrupted = true;
+    EXPECT_EQ(streamEnd(result), "{\"step\":254,\"total\":254,\"state\":1,\"found\":2,\"interrupted\":true}\n");
 }
 
 } // namespace

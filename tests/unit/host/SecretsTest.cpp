@@ -70,15 +70,6 @@ TEST_F(SecretFiles, WithoutASecretAreRefused)
     EXPECT_THAT(refusal(folder.write("binary", std::string("a\0b", 3))), HasSubstr("no text"));
 }
 
-TEST_F(SecretFiles, CountMoreThanTheEnvironmentAndLessThanTheOption)
-{
-    const std::string path = folder.write("secret", "file\n");
-    EXPECT_EQ(resolveSecret({"option", path, "environment"}, "--x-file"), "option");
-    EXPECT_EQ(resolveSecret({std::nullopt, path, "environment"}, "--x-file"), "file");
-    EXPECT_EQ(resolveSecret({std::nullopt, std::nullopt, "environment"}, "--x-file"), "environment");
-    EXPECT_EQ(resolveSecret({}, "--x-file"), std::nullopt);
-}
-
 TEST(HiddenArguments, ShowNoSecretAnyMore)
 {
     std::vector<std::string> texts = {"10.0.0.1", "-A", "password1", "-Xpassword2", "--community=other"};

@@ -28,7 +28,7 @@ protected:
                     const std::optional<std::string>& format = {})
     {
         std::ostringstream output;
-        EXPECT_EQ(settings({action, key, value, store, format}, output), ExitCode::Done);
+        EXPECT_EQ(settings({action, key, value, store, format}, output, {}), ExitCode::Done);
         return output.str();
     }
 
@@ -99,7 +99,7 @@ TEST_F(SettingsCommands, WrongValuesAreRefusedAndNothingIsKept)
 TEST_F(SettingsCommands, FormatsAreTableAndJson)
 {
     std::ostringstream output;
-    EXPECT_THROW(settings({Action::List, "", "", store, "csv"}, output), UsageError);
+    EXPECT_THROW(settings({Action::List, "", "", store, "csv"}, output, {}), UsageError);
 }
 
 TEST_F(SettingsCommands, AStoreThatIsNoneIsAFailure)

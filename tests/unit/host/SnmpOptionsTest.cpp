@@ -18,12 +18,17 @@ using testing::Not;
 class SnmpProfiles : public testing::Test {
 protected:
     SnmpArguments arguments;
-    SnmpEnvironment environment;
+    Credentials environment;
     TemporaryFolder folder;
 
-    std::string profile() { return snmpProfile(arguments, environment).dump(); }
+    JsonValue document()
+    {
+        return snmpProfile(credentialsOf(arguments), environment, optionNames(), portOf(arguments));
+    }
 
-    std::string member(const char* key) { return snmpProfile(arguments, environment).at(key).get<std::string>(); }
+    std::string profile() { return document().dump(); }
+
+    std::string member(const char* key) { return document().at(key).get<std::string>(); }
 
     std::string refusal()
     {
@@ -54,9 +59,9 @@ TEST_F(SnmpProfiles, DefaultIsVersion2cWithThePublicCommunity)
 TEST_F(SnmpProfiles, VersionsAreCalledAsTheToolsCallThem)
 {
     arguments.version = "1";
-    EXPECT_EQ(snmpProfile(arguments, environment).at("snmpVersion"), 1);
+    EXPECT_EQ(document().at("snmpVersion"), 1);
     arguments.version = "2c";
-    EXPECT_EQ(snmpProfile(arguments, environment).at("snmpVersion"), 2);
+    EXPECT_EQ(document().at("snmpVersion"), 2);
     for (const char* version : {"", "2", "2C", "v1", "4", "3 "}) {
         arguments.version = version;
         EXPECT_THAT(refusal(), AllOf(HasSubstr("-v"), HasSubstr("1, 2c and 3"))) << version;
@@ -67,7 +72,7 @@ TEST_F(SnmpProfiles, PortsAre1To65535)
 {
     for (const char* port : {"1", "161", "65535"}) {
         arguments.port = port;
-        EXPECT_EQ(snmpProfile(arguments, environment).at("snmpPort"), std::stoi(port));
+        EXPECT_EQ(document().at("snmpPort"), std::stoi(port));
     }
     for (const char* port : {"", "0", "-1", "65536", "99999999999", "1x", " 1", "+1", "0x10", "1.5"}) {
         arguments.port = port;
@@ -77,7 +82,7 @@ TEST_F(SnmpProfiles, PortsAre1To65535)
 
 TEST_F(SnmpProfiles, TheCommunityComesFromOptionFileOrEnvironment)
 {
-    environment.community = "from-environment";
+    environment.community = Given{"from-environment", "E"};
     EXPECT_EQ(member("communityRead"), "from-environment");
     arguments.communityFile = folder.write("community", "from-file\n");
     EXPECT_EQ(member("communityRead"), "from-file");
@@ -177,8 +182,8 @@ TEST_F(SnmpProfiles, PasswordsComeFromFileOrEnvironmentToo)
     privateUser();
     arguments.authPassword.reset();
     arguments.privPassword.reset();
-    environment.authPassword = "environment-a";
-    environment.privPassword = "environment-x";
+    environment.authPassword = Given{"environment-a", "E"};
+    environment.privPassword = Given{"environment-x", "E"};
     EXPECT_EQ(member("authPwd"), "environment-a");
     EXPECT_EQ(member("privacyPwd"), "environment-x");
     arguments.authPasswordFile = folder.write("auth", "file-auth\n");
@@ -189,7 +194,9 @@ TEST_F(SnmpProfiles, PasswordsComeFromFileOrEnvironmentToo)
 
 TEST_F(SnmpProfiles, SecretsOfTheEnvironmentAreNoOffenceWhereNotNeeded)
 {
-    environment = {"community", "authentic", "privately"};
+    environment.community = Given{"community", "E"};
+    environment.authPassword = Given{"authentic", "E"};
+    environment.privPassword = Given{"privately", "E"};
     arguments.version = "3";
     arguments.user = "guest";
     EXPECT_EQ(member("authPwd"), "");
@@ -233,16 +240,17 @@ TEST_F(SnmpProfiles, ShortPasswordsAreRefusedAndNotRepeated)
 
 TEST_F(SnmpProfiles, OptionsOfAnotherVersionAreNotIgnored)
 {
+    const std::string file = folder.write("secret", "s3cret\n"); // those that name a file are read first
     for (auto option : {&SnmpArguments::user, &SnmpArguments::level, &SnmpArguments::authProtocol,
                         &SnmpArguments::authPassword, &SnmpArguments::authPasswordFile, &SnmpArguments::privProtocol,
                         &SnmpArguments::privPassword, &SnmpArguments::privPasswordFile, &SnmpArguments::context}) {
         arguments = {};
-        arguments.*option = "x";
+        arguments.*option = file;
         EXPECT_THAT(refusal(), HasSubstr("-v 3"));
     }
     for (auto option : {&SnmpArguments::community, &SnmpArguments::communityFile}) {
         privateUser();
-        arguments.*option = "x";
+        arguments.*option = file;
         EXPECT_THAT(refusal(), HasSubstr("versions 1 and 2c"));
         arguments.*option = std::nullopt;
     }
@@ -255,6 +263,39 @@ TEST_F(SnmpProfiles, OptionsOfAnotherLevelAreNotIgnored)
     EXPECT_THAT(refusal(), HasSubstr("-x is for SNMP level authPriv"));
     arguments.level = "noAuthNoPriv";
     EXPECT_THAT(refusal(), HasSubstr("-a is for SNMP levels authNoPriv and authPriv"));
+}
+
+TEST_F(SnmpProfiles, TheSecretsOfTheCommandLineAreKnown)
+{
+    privateUser();
+    EXPECT_THAT(secretsOf(arguments), testing::ElementsAre("authentic", "privately"));
+    arguments = {};
+    arguments.community = "s3cret";
+    arguments.communityFile = "file";
+    EXPECT_THAT(secretsOf(arguments), testing::ElementsAre("s3cret"));
+}
+
+TEST_F(SnmpProfiles, AnyOptionOfCredentialsIsSeen)
+{
+    EXPECT_EQ(firstCredentialOption(arguments), std::nullopt);
+    arguments.port = "1161";
+    EXPECT_EQ(firstCredentialOption(arguments), std::nullopt);
+    for (auto [option, name] : {std::pair{&SnmpArguments::version, "-v"},
+                                {&SnmpArguments::community, "-c"},
+                                {&SnmpArguments::communityFile, "--community-file"},
+                                {&SnmpArguments::user, "-u"},
+                                {&SnmpArguments::level, "-l"},
+                                {&SnmpArguments::authProtocol, "-a"},
+                                {&SnmpArguments::authPassword, "-A"},
+                                {&SnmpArguments::authPasswordFile, "--auth-password-file"},
+                                {&SnmpArguments::privProtocol, "-x"},
+                                {&SnmpArguments::privPassword, "-X"},
+                                {&SnmpArguments::privPasswordFile, "--priv-password-file"},
+                                {&SnmpArguments::context, "-n"}}) {
+        arguments = {};
+        arguments.*option = "x";
+        EXPECT_EQ(firstCredentialOption(arguments), name);
+    }
 }
 
 } // namespace

@@ -8,13 +8,15 @@
 
 namespace Kep::Host {
 
-struct Capacity {
-    std::size_t tasks = 0;      ///< most tasks that run at once, at least 1
-    std::string_view limitedBy; ///< what bounds them, for people: "open files", "memory", ...; empty for nothing
+/// How many tasks run at once at most.
+struct TaskLimit {
+    std::size_t tasks = 0;      ///< at least 1
+    std::size_t asked = 0;      ///< what the settings in force ask for; 0 when they leave it to the host
+    std::string_view loweredBy; ///< why `tasks` is below `asked`: what the machine is short of, for people; else empty
 };
 
-/// What this machine can give the queue, found out at the first call, which raises the process's limit of open files
-/// as far as it may. A setting above it is lowered to it. Any thread.
-KEP_API Capacity taskCapacity();
+/// The limit under the settings in force, on this machine as it was at the first call, which raises the process's
+/// limit of open files as far as it may. Any thread.
+KEP_API TaskLimit taskLimit();
 
 } // namespace Kep::Host
