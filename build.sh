@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# Installs what the build lacks and builds everything into build/ (or a sanitizer's folder beside it).
-# Usage: ./build.sh [--sanitizer address|thread]
+# Installs what the build lacks and builds everything into build/ (or a sanitizer's folder beside it), or the fuzz
+# targets into build-fuzz/.
+# Usage: ./build.sh [--sanitizer address|thread | --fuzz]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/packages.sh
 
 sanitizer=
+fuzz=
 while [ $# -gt 0 ]; do
     case "$1" in
         --sanitizer)
@@ -16,13 +18,26 @@ while [ $# -gt 0 ]; do
             esac
             shift 2
             ;;
-        *) echo "usage: ./build.sh [--sanitizer address|thread]" >&2; exit 2 ;;
+        --fuzz)
+            fuzz=yes
+            shift
+            ;;
+        *) echo "usage: ./build.sh [--sanitizer address|thread | --fuzz]" >&2; exit 2 ;;
     esac
 done
 
 install_missing "${build_packages[@]}"
 # Other clones of the project share what the compiler cache holds.
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+if [ -n "$fuzz" ]; then
+    install_missing "${fuzz_packages[@]}"
+    if [ ! -f build-fuzz/build.ninja ]; then
+        cmake -S . -B build-fuzz -G Ninja -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DPD_FUZZ=ON \
+            -DPD_BENCH=OFF >&2
+    fi
+    cmake --build build-fuzz -j "$(nproc)" --target fuzz >&2
+    exit
+fi
 folder=build${sanitizer:+-$sanitizer}
 if [ ! -f "$folder/build.ninja" ]; then
     cmake -S . -B "$folder" -G Ninja -DPD_SANITIZE="$sanitizer" >&2

@@ -49,5 +49,11 @@ elseif(PD_SANITIZE STREQUAL "thread")
 elseif(PD_SANITIZE)
   message(FATAL_ERROR "PD_SANITIZE is \"${PD_SANITIZE}\"; expected address, thread or nothing")
 endif()
+
+# What a fuzzer is to find must be seen: it watches the branches taken, and the sanitizers what goes wrong.
+if(PD_FUZZ)
+  list(APPEND PD_SANITIZER_FLAGS -O1 -g1 -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize=vptr
+    -fno-sanitize-recover=all -fno-omit-frame-pointer)
+endif()
 add_compile_options(${PD_SANITIZER_FLAGS})
 add_link_options(${PD_SANITIZER_FLAGS})

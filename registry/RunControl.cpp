@@ -64,13 +64,12 @@ DiscoveryStatus RunControl::getStatus(const std::string& cookie, std::int32_t fi
     const Kep::MutexLock lock(cookies_.mutex);
     DiscoveryStatus status;
     const auto entry = cookies_.runs.find(cookie);
-    if (entry != cookies_.runs.end()) {
+    if (entry != cookies_.runs.end())
         status = statusOf(entry->second);
-        if (status.state == DiscoveryStatus::finished)
-            cookies_.runs.erase(entry);
-    }
     dropPrintersBefore(firstIdx, status.printers);
     status.cookie = cookie;
+    if (entry != cookies_.runs.end() && status.state == DiscoveryStatus::finished)
+        cookies_.runs.erase(entry); // last, so that whoever finds no memory may ask again
     return status;
 }
 

@@ -6,8 +6,10 @@ build_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
 )
 test_packages=(
-    snmpd snmp snmpsim samba iproute2 util-linux procps python3 clang-format
+    snmpd snmp snmpsim samba iproute2 util-linux procps python3 clang-format zsh
 )
+
+fuzz_packages=(clang libclang-rt-dev)
 
 # install_missing PACKAGE...: installs those that are not there. No service is started on account of it.
 install_missing() {

@@ -48,8 +48,9 @@ private:
 /// A UDP port of the loopback addresses that is closed.
 std::uint16_t closedPort();
 
-/// Descriptors that this process has open.
+/// Descriptors that this process has open, and threads that it has.
 std::size_t openDescriptors();
+std::size_t threads();
 
 /// Bytes that this process has allocated and not freed; 0 where the allocator does not tell.
 std::size_t allocatedBytes();

@@ -110,6 +110,12 @@ int bindSocket(int host, std::uint16_t& port)
     return descriptor;
 }
 
+std::size_t entriesIn(const char* folder)
+{
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
+}
+
 } // namespace
 
 std::optional<int> run(const std::vector<std::string>& command, int seconds, std::string* output)
@@ -170,8 +176,12 @@ std::uint16_t closedPort()
 
 std::size_t openDescriptors()
 {
-    return static_cast<std::size_t>(
-        std::distance(std::filesystem::directory_iterator("/proc/self/fd"), std::filesystem::directory_iterator()));
+    return entriesIn("/proc/self/fd");
+}
+
+std::size_t threads()
+{
+    return entriesIn("/proc/self/task");
 }
 
 std::size_t allocatedBytes()

@@ -34,7 +34,8 @@ enum class VariantType : int {
 class VariantIterator;
 struct VariantMembers;
 
-/// An immutable value: copies share arrays and objects and are cheap; several threads may read one or copies of it.
+/// An immutable value: copies share texts, arrays and objects and are cheap; several threads may read one or copies of
+/// it.
 ///
 /// Reading is strict. A conversion that does not fit, and an index, `contains` or a walk on a value that is no object
 /// or array, throws `GenericException` with a message that names the member and says what was expected and found:
@@ -94,8 +95,10 @@ public:
 private:
     friend class VariantIterator;
     friend struct VariantMembers; // the framework's own walk over an object
-    using Value = std::variant<std::monostate, bool, std::int64_t, double, std::string, std::shared_ptr<const Array>,
-                               std::shared_ptr<const Object>>;
+
+    // Copying one throws nothing, so that no copy is left half made when memory runs out.
+    using Value = std::variant<std::monostate, bool, std::int64_t, double, std::shared_ptr<const std::string>,
+                               std::shared_ptr<const Array>, std::shared_ptr<const Object>>;
 
     Variant(VariantType type, Value value);
     const Array& elements() const;

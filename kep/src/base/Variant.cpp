@@ -61,20 +61,20 @@ Variant::Variant(int value) : Variant(std::int64_t{value}) {}
 Variant::Variant(std::int64_t value) : Variant(VariantType::integer, value) {}
 Variant::Variant(double value) : Variant(VariantType::real, value) {}
 Variant::Variant(const char* text) : Variant(std::string(text)) {}
-Variant::Variant(std::string text) : Variant(VariantType::text, std::move(text)) {}
+Variant::Variant(std::string text) : Variant(VariantType::text, std::make_shared<const std::string>(std::move(text))) {}
 Variant::Variant(Array elements) : Variant(VariantType::array, std::make_shared<const Array>(std::move(elements))) {}
 Variant::Variant(Object members) : Variant(VariantType::object, std::make_shared<const Object>(std::move(members))) {}
 Variant::Variant(VariantType type, Value value) : type_(type), value_(std::move(value)) {}
 
 Variant Variant::snmp(VariantType kind, std::string text)
 {
-    return Variant(kind, std::move(text));
+    return Variant(kind, std::make_shared<const std::string>(std::move(text)));
 }
 
 bool Variant::empty() const noexcept
 {
-    if (const auto* text = std::get_if<std::string>(&value_)) {
-        return text->empty();
+    if (const auto* text = std::get_if<std::shared_ptr<const std::string>>(&value_)) {
+        return (*text)->empty();
     }
     if (const auto* array = std::get_if<std::shared_ptr<const Array>>(&value_)) {
         return (*array)->empty();
@@ -123,11 +123,11 @@ Variant::operator bool() const
 
 Variant::operator std::string() const
 {
-    const auto* text = std::get_if<std::string>(&value_);
+    const auto* text = std::get_if<std::shared_ptr<const std::string>>(&value_);
     if (text == nullptr) {
         throwExpected("text");
     }
-    return *text;
+    return **text;
 }
 
 VariantIterator Variant::begin() const

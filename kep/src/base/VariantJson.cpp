@@ -63,9 +63,9 @@ std::string Variant::toJson() const
     case VariantType::snmpGauge32:
     case VariantType::snmpTimeTicks:
     case VariantType::snmpCounter64:
-        return std::get<std::string>(value_);
+        return *std::get<std::shared_ptr<const std::string>>(value_);
     default:
-        return Json::_encodeString(std::get<std::string>(value_));
+        return Json::_encodeString(*std::get<std::shared_ptr<const std::string>>(value_));
     }
 }
 

@@ -4,7 +4,6 @@
 #include "base/TextList.h"
 
 #include <exception>
-#include <ranges>
 
 namespace Kep {
 namespace {
@@ -47,9 +46,9 @@ Variant startServices(const Services& services, const std::string& obstacle)
 void stopServices(const Services& services)
 {
     std::exception_ptr firstFailure;
-    for (const auto& service : std::views::reverse(services)) {
+    for (auto service = services.rbegin(); service != services.rend(); ++service) {
         try {
-            if (auto* startable = dynamic_cast<Platform::IStartable2*>(service.get())) {
+            if (auto* startable = dynamic_cast<Platform::IStartable2*>(service->get())) {
                 startable->stopService();
             }
         } catch (...) {

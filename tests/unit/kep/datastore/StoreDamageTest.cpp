@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,12 +21,24 @@ class UnusableStore : public testing::Test {
 protected:
     void expectUnusable(const std::string& reason)
     {
+        const std::string before = content();
         const std::string expected = "data store \"" + path_ + "\": " + reason;
         EXPECT_EQ(messageOf([this] { DataStore(path_).list(""); }), expected);
         EXPECT_EQ(messageOf([this] { static_cast<void>(DataStore(path_).get("a")); }), expected);
         EXPECT_EQ(messageOf([this] { DataStore(path_).set("a", "s3cret"); }), expected);
         EXPECT_EQ(messageOf([this] { DataStore(path_).unset("a"); }), expected);
         EXPECT_EQ(messageOf([this] { Kep::makeDataStoreProxy(path_)->begin(); }), expected);
+        EXPECT_EQ(content(), before) << "what cannot be used is kept as it is";
+    }
+
+    // The bytes of the file; empty for what is no file.
+    std::string content() const
+    {
+        if (!std::filesystem::is_regular_file(path_)) {
+            return {};
+        }
+        std::ifstream file(path_, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
     void fill(int keys)
@@ -71,6 +85,40 @@ TEST_F(UnusableStore, ADamagedFile)
     EXPECT_EQ(messageOf([this] { DataStore(path_).list(""); }), expected);
     EXPECT_EQ(messageOf([this] { DataStore(path_).set("a", "b"); }), expected);
     EXPECT_EQ(messageOf([this] { Kep::makeDataStoreProxy(path_)->begin()->getKeySubtree("key"); }), expected);
+}
+
+TEST_F(UnusableStore, AFileOfZeros)
+{
+    folder_.write("store.db", std::string(3 * 4096, '\0'));
+    expectUnusable("file is not a database");
+}
+
+// Damage that SQLite does not come across cannot be seen; what it comes across is said, and the file left alone.
+TEST_F(UnusableStore, AFileDamagedAnywhereIsSaidOrReadAndNeverBegunAnew)
+{
+    fill(300);
+    const std::string sound = content();
+    int noticed = 0;
+    for (std::size_t at = 0; at < sound.size(); at += 211) {
+        std::string damaged = sound;
+        for (std::size_t byte = at; byte < std::min(at + 64, sound.size()); ++byte) {
+            damaged[byte] = static_cast<char>(~damaged[byte]);
+        }
+        folder_.write("store.db", damaged);
+        const std::string named = "data store \"" + path_ + "\": ";
+        const std::string reading = messageOf([this] { DataStore(path_).list(""); });
+        EXPECT_EQ(content(), damaged) << "reading changes nothing";
+        const std::string writing = messageOf([this] { DataStore(path_).set("new", "value"); });
+        EXPECT_TRUE(reading == "nothing thrown" || reading.starts_with(named)) << reading;
+        if (writing == "nothing thrown") {
+            EXPECT_GE(content().size(), sound.size()) << "what was there is kept";
+        } else {
+            EXPECT_TRUE(writing.starts_with(named)) << writing;
+            EXPECT_EQ(content(), damaged) << "a write that fails changes nothing";
+        }
+        noticed += reading != "nothing thrown" || writing != "nothing thrown";
+    }
+    EXPECT_GT(noticed, 10);
 }
 
 TEST_F(UnusableStore, AFolder)
