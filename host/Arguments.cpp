@@ -190,6 +190,22 @@ void requireCommand(const CLI::App& app, const char* message)
         throw UsageError(message);
 }
 
+std::string optionName(const std::string& argument)
+{
+    return argument.substr(0, argument.starts_with("--") ? argument.find('=') : 2);
+}
+
+/// Names the options that are not known, without what is joined to them or follows: a name that is mistyped may stand
+/// before a secret.
+std::string unknownOptions(const CLI::App& app)
+{
+    std::string names;
+    for (const std::string& argument : app.remaining(true))
+        if (argument.starts_with('-'))
+            names += (names.empty() ? "" : " ") + optionName(argument);
+    return names;
+}
+
 void collectOptions(const CLI::App& app, std::vector<std::string>& names)
 {
     for (const CLI::Option* option : app.get_options())
@@ -216,6 +232,9 @@ CommandLine parseCommandLine(std::vector<std::string> arguments)
     std::reverse(arguments.begin(), arguments.end()); // the order in which the parser takes them
     try {
         parser->app.parse(std::move(arguments));
+    } catch (const CLI::ExtrasError& error) {
+        const std::string unknown = unknownOptions(parser->app);
+        throw UsageError(unknown.empty() ? error.what() : "no such option: " + unknown);
     } catch (const CLI::ParseError& error) {
         std::ostringstream text;
         std::ostringstream ignored;

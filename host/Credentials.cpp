@@ -115,7 +115,7 @@ private:
         const auto& community = either(given_.community, defaults_.community);
         return {{"snmpVersion", version},
                 {"snmpPort", port_},
-                {"communityRead", community ? community->value : "public"},
+                {"communityRead", community ? secret(*community) : "public"},
                 {"communityWrite", ""}};
     }
 
@@ -204,7 +204,14 @@ private:
             refuse(level + " needs a password: " + name);
         if (given->value.size() < ShortestPassword)
             refuse(given->by + ": a password has at least 8 characters");
-        return given->value;
+        return secret(*given);
+    }
+
+    std::string secret(const Given& given) const
+    {
+        if (given.exposed)
+            refuse(given.by + ": others than the owner of this file have access to it; chmod 600 mends that");
+        return given.value;
     }
 
     const Credentials& given_;

@@ -11,7 +11,8 @@ namespace Host {
 /// A value as it was written.
 struct Given {
     std::string value;
-    std::string by; ///< what gave it, for messages: "-a", or "defAuthType of /etc/snmp/snmp.conf"
+    std::string by;       ///< what gave it, for messages: "-a", or "defAuthType of /etc/snmp/snmp.conf"
+    bool exposed = false; ///< a secret from a file to which others have access; it is refused where it is used
 };
 
 struct Credentials {

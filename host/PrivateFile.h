@@ -11,4 +11,7 @@ namespace Host {
 /// mend that.
 std::string readPrivateFile(const std::string& path, const std::string& option, std::size_t most);
 
+/// Whether the permissions of the file at `path` let anyone but the owner read or write it; false when there is none.
+bool isSharedFile(const std::string& path);
+
 } // namespace Host

@@ -36,6 +36,11 @@ private:
     throw UsageError(option + ": cannot read " + path + ": " + std::generic_category().message(error));
 }
 
+bool isShared(const struct stat& status)
+{
+    return (status.st_mode & (S_IRWXG | S_IRWXO)) != 0;
+}
+
 } // namespace
 
 std::string readPrivateFile(const std::string& path, const std::string& option, std::size_t most)
@@ -44,7 +49,7 @@ std::string readPrivateFile(const std::string& path, const std::string& option, 
     struct stat status {};
     if (file.get() < 0 || fstat(file.get(), &status) != 0)
         refuse(path, option, errno);
-    if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0)
+    if (isShared(status))
         throw UsageError(option + ": others than the owner of " + path + " have access to it; chmod 600 mends that");
     std::string content;
     content.resize(most);
@@ -59,6 +64,12 @@ std::string readPrivateFile(const std::string& path, const std::string& option, 
     }
     content.resize(length);
     return content;
+}
+
+bool isSharedFile(const std::string& path)
+{
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && isShared(status);
 }
 
 } // namespace Host

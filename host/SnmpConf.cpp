@@ -3,6 +3,7 @@
 #include "host/Errors.h"
 #include "host/IniFile.h"
 #include "host/Platform.h"
+#include "host/PrivateFile.h"
 #include "host/TextFile.h"
 
 #include <algorithm>
@@ -107,10 +108,21 @@ private:
     std::optional<Given> bothPassphrases_;
 };
 
+/// The community "public" is none that could be kept secret.
+void markExposed(Credentials& credentials)
+{
+    for (auto member : {&Credentials::community, &Credentials::authPassword, &Credentials::privPassword})
+        if (auto& secret = credentials.*member)
+            secret->exposed = secret->value != "public";
+}
+
 Credentials read(const std::string& path)
 {
     try {
-        return parseSnmpConf(readTextFile(path, "snmp.conf"), path);
+        Credentials credentials = parseSnmpConf(readTextFile(path, "snmp.conf"), path);
+        if (isSharedFile(path))
+            markExposed(credentials);
+        return credentials;
     } catch (const UsageError&) {
         return {};
     }

@@ -8,7 +8,6 @@ namespace {
 
 constexpr std::size_t largestDatagram = 65507;
 constexpr std::size_t largeValue = 60000;
-constexpr std::size_t firstArcs = 2; // share a byte
 constexpr std::uint8_t unknownValue = 0x4F;
 constexpr std::uint8_t unknownPdu = 0xAF;
 

@@ -12,8 +12,11 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -373,6 +376,170 @@ TEST_F(TheProgram, TakesDefaultsFromTheConfigurationOfTheSnmpTools)
     EXPECT_EQ(run({"discover", "127.78.0.1", "--dry-run", "-l", "noAuthNoPriv"}).status, 0);
 }
 
+/// A secret of which no four bytes in a row occur anywhere else.
+constexpr const char* Secret = "qZ7xW2kV9jQ4";
+
+MATCHER(KeepsTheSecret, "")
+{
+    const std::string secret = Secret;
+    for (std::size_t at = 0; at + 4 <= secret.size(); ++at)
+        if (std::string_view(arg).find(secret.substr(at, 4)) != std::string_view::npos)
+            return false;
+    return true;
+}
+
+TEST_F(TheProgram, RepeatsNoSecretWhenTheCommandLineIsWrong)
+{
+    const std::string secret = Secret;
+    const std::vector<std::vector<std::string>> wrong = {
+        {"--comunity=" + secret},
+        {"-P" + secret},
+        {"-q" + secret},
+        {"-q=" + secret},
+        {"-c", secret, "-c", secret},
+        {"-c", secret, "--community-file", "file"},
+        {"-c", secret, "--credentials", "file"},
+        {"-c", secret, "--port", "0"},
+        {"-c", secret, "-v", "4"},
+        {"-c", secret, "-v", "3", "-u", "admin"},
+        {"-c", secret + "\xff"},
+        {"-c", secret, "-A"},
+        {"-A", secret},
+        {"-v", "3", "-A", secret},
+        {"-v", "3", "-u", "admin", "-A", secret},
+        {"-v", "3", "-u", "admin", "-a", "SHA", "-A", secret.substr(0, 7)},
+        {"-v", "3", "-u", "admin", "-a", "SHA", "-A", secret, "-X", secret},
+        {"-v", "3", "-u", "admin", "-a", "SHA", "-A", secret, "-x", "AES", "-X", secret.substr(0, 7)},
+        {"-v", "3", "-u", "admin", "-a", "SHA-9", "-A", secret, "-x", "AES", "-X", secret},
+        {"-v", "3", "-u", "admin", "-a", "SHA", "-A", secret, "-x", "AES", "-X", secret + "\xff"},
+    };
+    for (std::vector<std::string> arguments : wrong) {
+        arguments.insert(arguments.begin(), {"discover", "127.78.0.1", "--plugin", PLUGIN_LIBRARY});
+        const Ended ended = run(arguments);
+        EXPECT_EQ(ended.status, 2) << ended.errors;
+        EXPECT_THAT(ended.errors, AllOf(HasSubstr("printer-discovery: "), KeepsTheSecret()));
+        EXPECT_EQ(ended.output, "");
+    }
+    EXPECT_THAT(run({"serve", "--stdio", "-c", secret}).errors, AllOf(HasSubstr("-c"), KeepsTheSecret()));
+    EXPECT_THAT(run({"settings", "list", "--community=" + secret}).errors,
+                AllOf(HasSubstr("--community"), KeepsTheSecret()));
+}
+
+TEST_F(TheProgram, RepeatsNoSecretOfACredentialsFile)
+{
+    const std::string secret = Secret;
+    for (const std::string& content :
+         {secret, secret + "\n[a]\n", "community = " + secret, "[a]\n" + secret, "[a]\n" + secret + " = community",
+          "[a]\ncomunity = " + secret, "[a]\ncommunity = " + secret + "\ncommunity = " + secret,
+          "[a]\ncommunity = " + secret + "\nuser = admin", "[a]\ncommunity = " + secret + "\nversion = 4",
+          "[a]\ncommunity = " + secret + "\xff\n", "[a]\ncommunity = " + secret + std::string(1, '\0'),
+          "[a]\ncommunity = " + secret + "\n[a]\n", "[a]\nauth-password = " + secret,
+          "[a]\nuser = u\nauth-password = " + secret,
+          "[a]\nuser = u\nauth-protocol = SHA\nauth-password = " + secret.substr(0, 7),
+          "[a]\nuser = u\nauth-protocol = SHA\nauth-password = " + secret + "\npriv-password = " + secret,
+          "[a]\ncommunity = " + secret + '\n' + std::string(70'000, '#')}) {
+        const Ended ended = run({"discover", "127.78.0.1", "--credentials", folder.write("credentials", content)});
+        EXPECT_EQ(ended.status, 2) << content;
+        EXPECT_THAT(ended.errors, AllOf(HasSubstr("printer-discovery: "), KeepsTheSecret()));
+        EXPECT_EQ(ended.output, "");
+    }
+}
+
+/// Default credentials in the user's own file of the net-snmp tools.
+class TheProgramAndSnmpConf : public TheProgram {
+protected:
+    std::string write(const std::string& content, std::filesystem::perms perms = std::filesystem::perms(0600))
+    {
+        std::filesystem::create_directories(folder.file("home/.snmp"));
+        return folder.write("home/.snmp/snmp.conf", content, perms);
+    }
+
+    Ended dryRun(std::vector<std::string> more = {})
+    {
+        more.insert(more.begin(), {"discover", "127.78.0.1", "--dry-run"});
+        return run(more);
+    }
+};
+
+TEST_F(TheProgramAndSnmpConf, RepeatNoSecret)
+{
+    const std::string secret = Secret;
+    const std::string admin = "defVersion 3\ndefSecurityName admin\ndefAuthType SHA\n";
+    for (const std::string& content :
+         {admin + "defAuthPassphrase " + secret.substr(0, 7), admin + "defPassphrase \"" + secret.substr(0, 7),
+          admin + "defPrivType AES-9\ndefPassphrase " + secret,
+          admin + "defPrivType AES\ndefAuthPassphrase " + secret + "\ndefPrivPassphrase " + secret.substr(0, 7),
+          "defVersion 4\ndefCommunity " + secret}) {
+        write(content);
+        const Ended ended = dryRun();
+        EXPECT_EQ(ended.status, 2) << content;
+        EXPECT_THAT(ended.errors, AllOf(HasSubstr("snmp.conf"), KeepsTheSecret()));
+    }
+    write(secret + "\n[" + secret + "\ndefCommunity " + secret + '"');
+    const Ended ended = dryRun();
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.output + ended.errors, KeepsTheSecret());
+}
+
+TEST_F(TheProgramAndSnmpConf, GiveNoSecretThatOthersCanRead)
+{
+    const std::string secret = Secret;
+    const std::string admin = "defSecurityName admin\ndefAuthType SHA\ndefPrivType AES\ndefVersion ";
+    for (const auto& [content, directive] : {std::pair{"defCommunity " + secret, "defCommunity"},
+                                             {"defAuthPassphrase " + secret + "\n" + admin + "3", "defAuthPassphrase"},
+                                             {"defPassphrase " + secret + "\n" + admin + "3", "defPassphrase"}}) {
+        for (const int mode : {0644, 0640, 0602}) {
+            const std::string path = write(content, std::filesystem::perms(mode));
+            const Ended ended = dryRun();
+            EXPECT_EQ(ended.status, 2) << content;
+            EXPECT_THAT(ended.errors,
+                        AllOf(HasSubstr(directive + (" of " + path)), HasSubstr("chmod 600"), KeepsTheSecret()));
+            EXPECT_EQ(dryRun({"-v", "2c", "-c", "other"}).status, 0) << "it is not used";
+        }
+        write(content);
+        EXPECT_EQ(dryRun().status, directive == std::string("defAuthPassphrase") ? 2 : 0) << "no other passphrase";
+    }
+    write("defCommunity public\ndefVersion 1\n", std::filesystem::perms(0644));
+    EXPECT_EQ(dryRun().status, 0) << "no secret in it";
+}
+
+TEST_F(TheProgram, HidesACommunityFromTheProcessListHoweverItIsGiven)
+{
+    const std::string secret = Secret;
+    for (const std::vector<std::string>& given : {std::vector<std::string>{"-c", secret},
+                                                  {"-c" + secret},
+                                                  {"--community", secret},
+                                                  {"--community=" + secret}}) {
+        const SilentAgent agent({"127.78.0.1"});
+        auto arguments = patientSweep(agent);
+        arguments.insert(arguments.end(), given.begin(), given.end());
+        Process process(arguments, quiet());
+        ASSERT_TRUE(agent.waitForRequest());
+        EXPECT_THAT(process.shownCommandLine(), AllOf(HasSubstr("127.78.0.1"), HasSubstr("****"), KeepsTheSecret()));
+    }
+}
+
+TEST_F(TheProgram, MakesFilesForTheirOwnerAloneWhateverTheUmask)
+{
+    const std::string store = folder.file("own.db");
+    for (const char* arguments :
+         {"settings set host.snmp.retries 1", "settings set host.snmp.retries 2 --data-store"}) {
+        Process process({"/bin/sh", "-c",
+                         "umask 0; exec " + std::string(HOST_PROGRAM) + ' ' + arguments +
+                             (std::string(arguments).ends_with("--data-store") ? ' ' + store : "")},
+                        quiet());
+        EXPECT_EQ(process.wait(), 0) << process.errors();
+    }
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.file(""))) {
+        if (entry.is_regular_file()) {
+            ++files;
+            EXPECT_EQ(entry.status().permissions(), std::filesystem::perms(0600)) << entry.path();
+        }
+    }
+    EXPECT_GE(files, 2U);
+}
+
 /// The devices of the lab on an address block of this test's own.
 class TheProgramAndTheLab : public TheProgram {
 public:
@@ -573,6 +740,61 @@ TEST_F(TheProgramAndAPrivateLab, TakeTheCommunityOfCommandLineEnvironmentAndConf
     options.environment.emplace_back("PRINTER_DISCOVERY_COMMUNITY=wrong");
     EXPECT_EQ(found(sweep({}, options)), 0U);
     EXPECT_GT(found(sweep({"-c", "s3cond"}, options)), 5U);
+}
+
+/// The lab with a secret for its community.
+class TheProgramAndASecretLab : public TheProgram {
+protected:
+    static constexpr const char* Network = "127.81.0.0/24";
+
+    Process lab{{LAB_PROGRAM, "--network", Network, "--port", "0", "--until-stdin-closes", "--community", Secret}};
+    std::string port = TheProgramAndTheLab::portOf(lab.line());
+
+    void SetUp() override
+    {
+        ASSERT_EQ(lab.line(), "ready");
+        ASSERT_EQ(run({"settings", "set", "host.snmp.retries", "0"}).status, 0);
+    }
+
+    /// The settings file is there, is kept, and has taken nothing in.
+    void TearDown() override
+    {
+        std::ifstream file(folder.file("config/printer-discovery/settings.db"), std::ios::binary);
+        const std::string kept{std::istreambuf_iterator<char>(file), {}};
+        EXPECT_THAT(kept, AllOf(HasSubstr("host.snmp.retries"), KeepsTheSecret()));
+    }
+
+    void sweepInEveryForm(const std::vector<std::string>& credentials, const Process::Options& options)
+    {
+        for (const std::vector<std::string>& form : {std::vector<std::string>{"--format", "table"},
+                                                     {"--format", "json"},
+                                                     {"--format", "csv"},
+                                                     {"--stream"},
+                                                     {"--dry-run"},
+                                                     {"--dry-run", "--format", "json"}}) {
+            std::vector<std::string> arguments = {"discover", "127.81.0.1,15", "--port",    port,
+                                                  "-t",       "0.3",           "--no-names"};
+            arguments.insert(arguments.end(), credentials.begin(), credentials.end());
+            arguments.insert(arguments.end(), form.begin(), form.end());
+            const Ended ended = run(arguments, options);
+            EXPECT_EQ(ended.status, 0) << ended.errors;
+            EXPECT_THAT(ended.output, AllOf(HasSubstr("127.81.0."), KeepsTheSecret()));
+            EXPECT_THAT(ended.errors, KeepsTheSecret());
+        }
+    }
+};
+
+TEST_F(TheProgramAndASecretLab, KeepItOutOfEveryFormOfResult)
+{
+    const std::string secret = Secret;
+    sweepInEveryForm({"-c", secret}, quiet());
+    sweepInEveryForm({"--community-file", folder.write("community", secret)}, quiet());
+    sweepInEveryForm({"--credentials", folder.write("credentials", "[a]\ncommunity = x\n[b]\ncommunity = " + secret)},
+                     quiet());
+    Process::Options environment = quiet();
+    environment.environment.push_back("PRINTER_DISCOVERY_COMMUNITY=" + secret);
+    environment.terminal = true;
+    sweepInEveryForm({}, environment);
 }
 
 } // namespace
