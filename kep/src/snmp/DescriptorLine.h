@@ -1,4 +1,4 @@
-/// Where those wait who found no descriptor free.
+/// Where those wait who found no descriptor, or nothing else that a socket takes, free.
 #pragma once
 
 #include "Kep/Mutex.h"
