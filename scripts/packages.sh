@@ -6,9 +6,14 @@ build_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
 )
 test_packages=(
-    snmpd snmp snmpsim samba iproute2 util-linux procps python3 clang-format zsh
+    snmpd snmp snmpsim samba iproute2 util-linux procps python3 clang-format clang-tidy cppcheck debootstrap zsh
+    chromium fonts-inter
 )
+# A Node.js that did not come from Debian brings npm along, and Debian's package of it does not go with that.
+command -v npm >/dev/null || test_packages+=(nodejs npm)
 
+package_packages=(dpkg-dev)
+windows_packages=(g++-mingw-w64-x86-64-posix wine64 googletest tcl8.6 dpkg-dev)
 fuzz_packages=(clang libclang-rt-dev)
 
 # install_missing PACKAGE...: installs those that are not there. No service is started on account of it.
