@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # Installs what the build lacks and builds everything into build/ (or a sanitizer's folder beside it), or the fuzz
-# targets into build-fuzz/.
-# Usage: ./build.sh [--sanitizer address|thread | --fuzz]
+# targets into build-fuzz/, or everything for Windows into build-windows/.
+# Usage: ./build.sh [--sanitizer address|thread | --fuzz | --windows]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/packages.sh
+source scripts/windows.sh
 
 sanitizer=
 fuzz=
+windows=
 while [ $# -gt 0 ]; do
     case "$1" in
         --sanitizer)
@@ -22,13 +24,21 @@ while [ $# -gt 0 ]; do
             fuzz=yes
             shift
             ;;
-        *) echo "usage: ./build.sh [--sanitizer address|thread | --fuzz]" >&2; exit 2 ;;
+        --windows)
+            windows=yes
+            shift
+            ;;
+        *) echo "usage: ./build.sh [--sanitizer address|thread | --fuzz | --windows]" >&2; exit 2 ;;
     esac
 done
 
 install_missing "${build_packages[@]}"
 # Other clones of the project share what the compiler cache holds.
 export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+if [ -n "$windows" ]; then
+    build_windows
+    exit
+fi
 if [ -n "$fuzz" ]; then
     install_missing "${fuzz_packages[@]}"
     if [ ! -f build-fuzz/build.ninja ]; then

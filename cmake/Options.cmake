@@ -30,6 +30,8 @@ find_package(PkgConfig REQUIRED)
 # Platform files: NAME_posix.cpp or NAME_windows.cpp, chosen here.
 if(WIN32)
   set(PD_PLATFORM windows)
+  add_compile_definitions(_WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX)
+  include(WindowsRuntime)
 else()
   set(PD_PLATFORM posix)
 endif()

@@ -18,9 +18,10 @@ _printer_discovery_options() {
         echo "-h --help --target-file --exclude --exclude-file -v --snmp-version -c --community --community-file --port
             -u --user -l --level -a --auth-protocol -A --auth-password --auth-password-file -x --priv-protocol
             -X --priv-password --priv-password-file -n --context --credentials -t --timeout -r --retries --rate --tasks
-            --no-names --dry-run --data-store --plugin --format --stream --diff -q --quiet"
+            --no-names --dry-run --data-store --plugin --format --stream --diff --outcomes -q
+            --quiet"
         ;;
-    serve) echo "-h --help --stdio --data-store --plugin" ;;
+    serve) echo "-h --help --stdio --http --token-file --host-name --data-store --plugin" ;;
     settings) echo "-h --help --format --data-store" ;;
     *) echo "-h --help -V --version" ;;
     esac
@@ -48,13 +49,13 @@ _printer_discovery() {
     COMPREPLY=()
     case $previous in
     --target-file | -iL | --exclude-file | --community-file | --auth-password-file | --priv-password-file | \
-        --credentials | --diff | --data-store | --plugin)
+        --credentials | --diff | --outcomes | --token-file | --data-store | --plugin)
         compopt -o filenames 2>/dev/null
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return
         ;;
     -c | --community | --port | -u | --user | -A | --auth-password | -X | --priv-password | -n | --context | \
-        -t | --timeout | -r | --retries | --rate | --tasks | --exclude)
+        -t | --timeout | -r | --retries | --rate | --tasks | --exclude | --http | --host-name)
         return
         ;;
     -v | --snmp-version) words="1 2c 3" ;;

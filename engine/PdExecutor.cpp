@@ -62,6 +62,9 @@ void PdExecutor::stop()
     stopped_ = true;
 }
 
+// A sweep owns its lists, whatever becomes of the caller's.
+// cppcheck-suppress passedByValue
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::uint32_t PdExecutor::sweep(std::vector<IpRangeText> include, std::vector<IpRangeText> exclude)
 {
     if (stopped())

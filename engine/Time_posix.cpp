@@ -1,40 +1,15 @@
-#include "engine/Deadline.h"
 #include "engine/Time.h"
 
 #include <chrono>
 #include <ratio>
-#include <thread>
 
 namespace PrinterDiscoveryPlugin::Time {
-namespace {
 
 using Ticks = std::chrono::duration<std::int64_t, std::ratio<1, 10'000'000>>;
-using std::chrono::nanoseconds;
-
-constexpr std::int64_t pollInterval = 2'000'000'000;
-
-} // namespace
 
 std::int64_t systemTicks() noexcept
 {
     return std::chrono::duration_cast<Ticks>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
-
-void sleepWhileDraining() noexcept
-{
-    std::this_thread::sleep_until(std::chrono::high_resolution_clock::now() + std::chrono::milliseconds(200));
-}
-
-void sleepBeforeRetry() noexcept
-{
-    std::this_thread::sleep_for(std::chrono::milliseconds(1000));
-}
-
-void sleepBetweenPolls() noexcept
-{
-    const nanoseconds now = std::chrono::steady_clock::now().time_since_epoch();
-    const nanoseconds deadline(saturatingDeadline(now.count(), pollInterval));
-    std::this_thread::sleep_until(std::chrono::steady_clock::time_point(deadline));
 }
 
 } // namespace PrinterDiscoveryPlugin::Time

@@ -113,7 +113,8 @@ void addOutputOptions(CLI::App& command, DiscoverArguments& arguments)
     add(command, heading, "--format", arguments.format, "FORMAT", "table, json or csv (default: table)");
     command.add_flag("--stream", arguments.stream, "A line of JSON for each printer when it is found")->group(heading);
     add(command, heading, "--diff", arguments.diff, "FILE", "Compare with an earlier result in json");
-    command.add_flag("-q,--quiet", arguments.quiet, "Neither count nor progress")->group(heading);
+    add(command, heading, "--outcomes", arguments.outcomes, "FILE", "Write what became of each address (.csv, .jsonl)");
+    command.add_flag("-q,--quiet", arguments.quiet, "Neither counts, progress nor advice")->group(heading);
 }
 
 void addDiscover(Parser& parser)
@@ -132,7 +133,16 @@ void addServe(Parser& parser)
     CLI::App& command = *parser.app.add_subcommand("serve", "Offer the plug-in's operations to another program");
     parser.serveCommand = &command;
     command.footer("");
-    command.add_flag("--stdio", parser.serve.stdio, "JSON-RPC 2.0 on standard input and output");
+    auto* stdio = command.add_flag("--stdio", parser.serve.stdio, "JSON-RPC 2.0 on standard input and output");
+    auto* http = add(command, CommonHeading, "--http", parser.serve.http, "ADDRESS:PORT",
+                     "Web console and JSON-RPC 2.0 over HTTP");
+    http->excludes(stdio);
+    stdio->option_text(" "); // else the help would show what it excludes
+    add(command, CommonHeading, "--token-file", parser.serve.tokenFile, "FILE", "Secret that HTTP clients have to know")
+        ->needs(http);
+    add(command, CommonHeading, "--host-name", parser.serve.hostNames, "NAME", "Further name of this host in URLs")
+        ->allow_extra_args(false)
+        ->needs(http);
     addFileOptions(command, CommonHeading, parser.serve.dataStore);
     addPluginOption(command, CommonHeading, parser.serve.plugin);
 }

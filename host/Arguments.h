@@ -14,13 +14,15 @@ namespace Host {
 struct DiscoverArguments {
     TargetArguments targets;
     SnmpArguments snmp;
-    std::optional<std::string> credentials, timeout, retries, rate, tasks, format, diff;
+    std::optional<std::string> credentials, timeout, retries, rate, tasks, format, diff, outcomes;
     bool noNames = false, stream = false, quiet = false, dryRun = false;
     std::string dataStore, plugin;
 };
 
 struct ServeArguments {
     bool stdio = false;
+    std::optional<std::string> http, tokenFile;
+    std::vector<std::string> hostNames;
     std::string dataStore, plugin;
 };
 

@@ -78,6 +78,7 @@ std::vector<JsonValue> parseCredentials(std::string_view text, const std::string
         throw UsageError(name + ": " + std::to_string(sections.size()) + " credentials; at most " +
                          std::to_string(MostCredentials) + " are accepted");
     std::vector<JsonValue> profiles;
+    profiles.reserve(sections.size());
     for (const IniSection& section : sections)
         profiles.push_back(snmpProfile(credentialsOf(section, name), {}, namesFor(section, name), port));
     return profiles;

@@ -3,6 +3,7 @@
 #include "host/DiscoverRuns.h"
 #include "host/Files.h"
 #include "host/Interruption.h"
+#include "host/OutcomeReport.h"
 #include "host/Output.h"
 #include "host/Platform.h"
 #include "host/PluginLibrary.h"
@@ -12,7 +13,6 @@
 #include "host/TaskLimitNote.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <optional>
@@ -117,15 +117,10 @@ void announce(const DiscoverOptions& options)
                   << " is of an interrupted run: printers that it did not reach show as new\n";
 }
 
-/// The end of the plug-in would wait for probes in flight.
-[[noreturn]] void leaveAtOnce(ExitCode code)
-{
-    std::_Exit(static_cast<int>(code));
-}
-
 /// Sweeps and prints the result. A failure meanwhile, such as of a reader of the stream that has gone, ends the
-/// process.
-void sweep(IPluginCalls& plugin, IPace& pace, const DiscoverOptions& options, const std::vector<RunStart>& starts)
+/// process, as an interruption does: the end of the plug-in would wait for probes in flight.
+void sweep(IPluginCalls& plugin, IPace& pace, const DiscoverOptions& options, const std::vector<RunStart>& starts,
+           OutcomeReport& outcomes)
 {
     try {
         RunResult result;
@@ -134,12 +129,15 @@ void sweep(IPluginCalls& plugin, IPace& pace, const DiscoverOptions& options, co
             result = followRuns(plugin, pace, progress, starts, countProbed(options.ranges));
             progress.finish(result);
         }
+        outcomes.write(result);
         writeOutput(outputText(options, result));
+        if (!options.quiet)
+            outcomes.tell(std::cerr, result.interrupted);
         if (result.interrupted)
-            leaveAtOnce(ExitCode::Interrupted);
+            leaveProcess(ExitCode::Interrupted);
     } catch (const std::exception& error) {
         reportError(error.what());
-        leaveAtOnce(ExitCode::Failed);
+        leaveProcess(ExitCode::Failed);
     }
 }
 
@@ -152,11 +150,12 @@ ExitCode discover(const DiscoverArguments& arguments, const DiscoverOptions& opt
         writeOutput(dryRunText(options));
         return ExitCode::Done;
     }
+    OutcomeReport outcomes(options);
     Interruption interruption;
     PluginLibrary plugin(pluginFile(arguments.plugin));
     requireStarted(plugin.init(initDocument(dataStoreFile(arguments.dataStore), options.settings)));
     announce(options);
-    sweep(plugin, interruption, options, starts);
+    sweep(plugin, interruption, options, starts, outcomes);
     plugin.deinit();
     return ExitCode::Done;
 }

@@ -4,6 +4,7 @@
 #include "host/CredentialsFile.h"
 #include "host/DisplayText.h"
 #include "host/Errors.h"
+#include "host/OutcomeFormats.h"
 
 #include <exception>
 #include <optional>
@@ -104,6 +105,9 @@ DiscoverOptions readDiscoverOptions(const DiscoverArguments& arguments, const Cr
     options.stream = arguments.stream;
     options.quiet = arguments.quiet;
     options.dryRun = arguments.dryRun;
+    options.outcomes = arguments.outcomes;
+    if (options.outcomes)
+        outcomeFormatOf(*options.outcomes, OutcomesOption);
     options.settings = settingsOf(arguments);
     options.profiles = profilesOf(arguments, defaults);
     if (arguments.diff)

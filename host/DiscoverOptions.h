@@ -13,6 +13,8 @@
 
 namespace Host {
 
+constexpr const char* OutcomesOption = "--outcomes";
+
 struct DiscoverOptions {
     AddressRanges ranges;                        ///< to sweep, as `planTargets` gives them
     std::vector<JsonValue> profiles;             ///< members "snmpProfile"; a run with each
@@ -21,6 +23,7 @@ struct DiscoverOptions {
     bool stream = false; ///< printers as lines of JSON while they are found
     bool quiet = false;  ///< nothing on standard error but errors
     bool dryRun = false;
+    std::optional<std::string> outcomes;  ///< file for what became of each address; its name says in which form
     std::optional<EarlierResult> earlier; ///< to compare with
 };
 

@@ -1,6 +1,7 @@
 #include "host/Files.h"
 
 #include "host/Errors.h"
+#include "host/Paths.h"
 #include "host/Platform.h"
 
 #include <filesystem>
@@ -23,7 +24,7 @@ fs::path dataStoreFolder()
 std::string pluginFile(const std::string& option)
 {
     if (!option.empty())
-        return fs::absolute(option).string(); // a bare name would be looked up along the loader's path
+        return fs::absolute(pathOf(option)).string(); // a bare name would be looked up along the loader's path
     const fs::path beside = programFolder() / pluginFileName();
     const fs::path installed = (programFolder() / HOST_LIBRARY_FOLDER / pluginFileName()).lexically_normal();
     std::error_code ignored;

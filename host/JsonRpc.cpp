@@ -1,5 +1,6 @@
 #include "host/JsonRpc.h"
 
+#include "host/BoundedJson.h"
 #include "host/PluginReply.h"
 
 #include <algorithm>
@@ -9,21 +10,12 @@ namespace Host {
 
 namespace {
 
-constexpr int DeepestNesting = 64;
-
 JsonValue parseJson(const std::string& text)
 {
-    const auto guard = [](int depth, JsonValue::parse_event_t, JsonValue&) {
-        if (depth > DeepestNesting)
-            throw RpcError(RpcCode::ParseError, "the message is nested too deeply");
-        return true;
-    };
     try {
-        return JsonValue::parse(text, guard);
-    } catch (const JsonValue::parse_error& error) { // its own text quotes the input
-        throw RpcError(RpcCode::ParseError, "the message is not JSON (byte " + std::to_string(error.byte) + ")");
-    } catch (const JsonValue::out_of_range&) {
-        throw RpcError(RpcCode::ParseError, "the message is not JSON (a number is out of range)");
+        return parseBoundedJson(text, "the message");
+    } catch (const JsonError& error) {
+        throw RpcError(RpcCode::ParseError, error.what());
     }
 }
 

@@ -1,13 +1,31 @@
 /// What the commands need of the operating system besides signals: folders, the environment, terminals.
 #pragma once
 
+#include "host/ExitCode.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace Host {
+
+/// What follows the program's name in `main`'s arguments, in UTF-8. Throws `Failure`.
+std::vector<std::string> programArguments(std::span<char*> arguments);
+
+/// Writes asterisks over `secrets` where the system keeps the command line apart from `main`'s arguments.
+void hideCommandLine(const std::vector<std::string>& secrets);
+
+/// Has the standard streams pass bytes on as they are, and a console show them as UTF-8. Once, before they are used.
+void prepareStreams();
+
+/// Ends the process at once: nothing is waited for, no destructor runs. Written output must have been flushed.
+[[noreturn]] void leaveProcess(ExitCode code);
+
+/// Throws `Failure` where the program has started without the framework's library and it is not to be had.
+void requireFramework();
 
 /// The folder of the running program. Throws `Failure`.
 std::filesystem::path programFolder();

@@ -19,6 +19,22 @@ int descriptorOf(Stream stream)
 
 } // namespace
 
+std::vector<std::string> programArguments(std::span<char*> arguments)
+{
+    return {arguments.begin() + (arguments.empty() ? 0 : 1), arguments.end()};
+}
+
+void hideCommandLine(const std::vector<std::string>& /*secrets*/) {}
+
+void prepareStreams() {}
+
+void leaveProcess(ExitCode code)
+{
+    std::_Exit(static_cast<int>(code));
+}
+
+void requireFramework() {} // the system starts no program without its libraries
+
 std::filesystem::path programFolder()
 {
     std::error_code error;

@@ -19,9 +19,8 @@ enum class Format { Table, Json, Csv };
 /// cut where a line would be wider than the style allows.
 std::string tableText(RunResult result, const TextStyle& style = {});
 
-/// RFC 4180, with the header line ip,name,sn,mac,hostname; several MAC addresses are separated by blanks. A text that
-/// a spreadsheet would take for a formula (it begins with = + - @, a tab or a carriage return) gets an apostrophe in
-/// front; control characters other than line ends become \xNN.
+/// RFC 4180, with the header line ip,name,sn,mac,hostname and fields as `csvField` gives them; several MAC addresses
+/// are separated by blanks.
 std::string csvText(RunResult result);
 
 /// One line: {"step":…,"total":…,"state":…,"printers":[{"hostname":…,"ip":…,"mac":[…],"name":…,"sn":…}]}, then

@@ -3,13 +3,12 @@
 
 #include "Kep/Host/Mutex.h"
 #include "host/CallThreads.h"
-#include "host/IPluginCalls.h"
 #include "host/JsonRpc.h"
+#include "host/RpcCalls.h"
 
 #include <chrono>
 #include <cstddef>
 #include <functional>
-#include <set>
 #include <string>
 
 namespace Host {
@@ -50,22 +49,16 @@ private:
 
     void accept(const RpcRequest& request);
     void carryOut(const Call& call);
-    std::string answerTo(const Call& call);
-    void enter(Kep::Host::CallId work);
-    void leave(Kep::Host::CallId work);
-    void withdrawAll();
     void answer(const std::string& id, const std::string& text);
     void answer(const RpcError& error);
 
-    IPluginCalls& plugin_;
+    RpcCalls calls_;
 
     Kep::Mutex sending_;
     const Send send_ KEP_GUARDED_BY(sending_);
 
     Kep::Mutex mutex_;
-    std::set<Kep::Host::CallId> work_ KEP_GUARDED_BY(mutex_); ///< of the calls inside the plug-in
     std::size_t blockingStarts_ KEP_GUARDED_BY(mutex_) = 0;
-    bool finishing_ KEP_GUARDED_BY(mutex_) = false;
 
     CallThreads threads_; ///< the last member: its end waits for calls, which use the others
 };

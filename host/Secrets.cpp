@@ -1,6 +1,7 @@
 #include "host/Secrets.h"
 
 #include "host/Errors.h"
+#include "host/Platform.h"
 #include "host/PrivateFile.h"
 
 #include <algorithm>
@@ -35,6 +36,7 @@ void hideArguments(std::span<char*> arguments, const std::vector<std::string>& s
             if (!secret.empty() && text.ends_with(secret))
                 std::memset(argument + (text.size() - secret.size()), '*', secret.size());
         }
+    hideCommandLine(secrets);
 }
 
 } // namespace Host

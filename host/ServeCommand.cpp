@@ -4,14 +4,17 @@
 #include "host/Interruption.h"
 #include "host/LineSplitter.h"
 #include "host/Output.h"
+#include "host/Platform.h"
 #include "host/PluginLibrary.h"
 #include "host/PluginReply.h"
 #include "host/RpcServer.h"
+#include "host/StoppingCalls.h"
 #include "host/TaskLimitNote.h"
+#include "host/console/ServeHttp.h"
 
 #include <atomic>
-#include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -77,24 +80,37 @@ private:
     LineSplitter lines_;
 };
 
+void serveStdio(IPluginCalls& plugin, Interruption& interruption)
+{
+    StoppingCalls calls(plugin);
+    StdioSession session(calls, interruption);
+    if (!session.run() || !session.finish()) {
+        session.finishInterrupted();
+        leaveProcess(ExitCode::Interrupted); // the end of the plug-in would wait for probes in flight
+    }
+    if (session.deaf())
+        throw Failure("the client no longer reads standard output");
+}
+
 } // namespace
 
 ExitCode serve(const ServeArguments& arguments)
 {
-    if (!arguments.stdio)
-        throw UsageError("serve needs to know where: --stdio is accepted");
+    if (!arguments.stdio && !arguments.http)
+        throw UsageError("serve needs to know where: --stdio and --http ADDRESS:PORT are accepted");
+    const std::string dataStore = dataStoreFile(arguments.dataStore);
+    std::optional<HttpOptions> http;
+    if (arguments.http)
+        http = readHttpOptions(*arguments.http, arguments.tokenFile, arguments.hostNames, dataStore);
     Interruption interruption;
     PluginLibrary plugin(pluginFile(arguments.plugin));
-    requireStarted(plugin.init(initDocument(dataStoreFile(arguments.dataStore), {})));
+    requireStarted(plugin.init(initDocument(dataStore, {})));
     noteLoweredTaskLimit(std::cerr);
-    StdioSession session(plugin, interruption);
-    if (!session.run() || !session.finish()) {
-        session.finishInterrupted();
-        std::_Exit(static_cast<int>(ExitCode::Interrupted)); // the end of the plug-in would wait for probes in flight
-    }
+    if (http)
+        serveHttp(*http, plugin, interruption, std::cerr);
+    else
+        serveStdio(plugin, interruption);
     plugin.deinit();
-    if (session.deaf())
-        throw Failure("the client no longer reads standard output");
     return ExitCode::Done;
 }
 

@@ -30,7 +30,7 @@ void narrow(std::vector<std::size_t>& widths, const std::vector<std::size_t>& le
 
 } // namespace
 
-Table::Table(std::vector<std::string> header, std::vector<std::size_t> usefulWidths)
+Table::Table(const std::vector<std::string>& header, std::vector<std::size_t> usefulWidths)
     : widths_(header.size(), 0), usefulWidths_(std::move(usefulWidths))
 {
     add(header);

@@ -13,7 +13,7 @@ class Table {
 public:
     /// `usefulWidths`, if given, is for each column the width below which it is cut only when cutting others does not
     /// help.
-    explicit Table(std::vector<std::string> header, std::vector<std::size_t> usefulWidths = {});
+    explicit Table(const std::vector<std::string>& header, std::vector<std::size_t> usefulWidths = {});
 
     /// Adds a row of as many cells as the header has; they are made printable.
     void add(const std::vector<std::string>& cells);

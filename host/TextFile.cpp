@@ -1,6 +1,7 @@
 #include "host/TextFile.h"
 
 #include "host/Errors.h"
+#include "host/Paths.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,10 +14,10 @@ namespace Host {
 
 std::string readTextFile(const std::string& path, const std::string& option)
 {
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    std::ifstream file(pathOf(path), std::ios::binary);
     const int error = errno;
     std::error_code ignored;
-    const bool folder = std::filesystem::is_directory(path, ignored);
+    const bool folder = std::filesystem::is_directory(pathOf(path), ignored);
     if (!file || folder)
         throw UsageError(option + ": cannot read " + path + ": " +
                          std::generic_category().message(folder ? EISDIR : error));

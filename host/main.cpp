@@ -2,6 +2,7 @@
 #include "host/Errors.h"
 #include "host/LocalNetworks.h"
 #include "host/Output.h"
+#include "host/Platform.h"
 #include "host/Secrets.h"
 #include "host/SnmpConf.h"
 
@@ -49,7 +50,9 @@ ExitCode report(ExitCode code, const char* message)
 ExitCode run(std::span<char*> arguments)
 {
     try {
-        return std::visit(Run{arguments}, parseCommandLine({arguments.begin(), arguments.end()}));
+        prepareStreams();
+        requireFramework();
+        return std::visit(Run{arguments}, parseCommandLine(programArguments(arguments)));
     } catch (const UsageError& error) {
         return report(ExitCode::Usage, error.what());
     } catch (const std::exception& error) {
@@ -63,6 +66,5 @@ ExitCode run(std::span<char*> arguments)
 
 int main(int count, char** arguments)
 {
-    const std::span<char*> all(arguments, static_cast<std::size_t>(count));
-    return static_cast<int>(Host::run(all.empty() ? all : all.subspan(1)));
+    return static_cast<int>(Host::run({arguments, static_cast<std::size_t>(count)}));
 }

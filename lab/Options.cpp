@@ -2,7 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace Lab {
 namespace {
@@ -59,7 +61,7 @@ void describeRun(CLI::App& app, Options& options, std::optional<std::uint32_t>& 
 
 } // namespace
 
-std::variant<Options, int> readOptions(int argumentCount, const char* const* arguments)
+std::variant<Options, int> readOptions(std::vector<std::string> arguments)
 {
     CLI::App app(
         "Answers as printers and other devices on loopback addresses, over SNMP version 1, 2c and 3 (noAuthNoPriv).",
@@ -68,8 +70,9 @@ std::variant<Options, int> readOptions(int argumentCount, const char* const* arg
     std::optional<std::uint32_t> idleSeconds;
     describeFarm(app, options);
     describeRun(app, options, idleSeconds);
+    std::reverse(arguments.begin(), arguments.end()); // the order in which the parser takes them
     try {
-        app.parse(argumentCount, arguments);
+        app.parse(std::move(arguments));
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : usageError;
     }

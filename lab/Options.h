@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace Lab {
 
@@ -24,8 +25,9 @@ struct Options {
     bool statistics = false;
 };
 
-/// The options given, or the exit status when there is nothing to do any more: 0 after a request for help, which has
-/// then been printed, 2 after a usage error, which has been named on standard error.
-std::variant<Options, int> readOptions(int argumentCount, const char* const* arguments);
+/// The options in `arguments`, which follow the program's name, or the exit status when there is nothing to do any
+/// more: 0 after a request for help, which has then been printed, 2 after a usage error, which has been named on
+/// standard error.
+std::variant<Options, int> readOptions(std::vector<std::string> arguments);
 
 } // namespace Lab

@@ -23,7 +23,7 @@ ProfileLibrary readProfiles(const std::string& folder)
 {
     std::error_code error;
     ProfileLibrary library;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+    for (const auto& entry : std::filesystem::directory_iterator(pathOf(folder), error)) {
         if (entry.path().extension() != ".snmprec")
             continue;
         const std::string name = entry.path().stem().string();

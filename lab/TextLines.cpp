@@ -43,9 +43,15 @@ void forEachLine(const std::string& file, std::string_view text,
     }
 }
 
+std::filesystem::path pathOf(const std::string& text)
+{
+    return std::u8string(text.begin(),
+                         text.end()); // a plain string would be taken for another encoding on some systems
+}
+
 std::string readFile(const std::string& file)
 {
-    std::ifstream in(file, std::ios::binary);
+    std::ifstream in(pathOf(file), std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     if (!in.is_open() || in.bad())
         throw Error(file + ": expected a file that can be read");

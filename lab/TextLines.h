@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -12,6 +13,9 @@ namespace Lab {
 /// An `Error` that `read` throws is thrown on with file and line before its words, and the line as found after them.
 void forEachLine(const std::string& file, std::string_view text,
                  const std::function<void(std::string_view line, std::size_t number)>& read);
+
+/// The path that `text` (UTF-8) writes.
+std::filesystem::path pathOf(const std::string& text);
 
 /// The contents of a file. Throws `Error` when it cannot be read.
 std::string readFile(const std::string& file);

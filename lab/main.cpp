@@ -1,3 +1,4 @@
+#include "lab/Arguments.h"
 #include "lab/Error.h"
 #include "lab/Identity.h"
 #include "lab/Options.h"
@@ -53,15 +54,22 @@ void serve(const Lab::Options& options, const Lab::Farm& farm)
                   << socket.dropped() << " dropped\n";
 }
 
-int run(const Lab::Options& options)
+int listOrServe(const Lab::Options& options)
+{
+    const Lab::Farm farm = buildFarm(options);
+    if (options.list)
+        list(farm);
+    else
+        serve(options, farm);
+    return 0;
+}
+
+int run(int argumentCount, char** arguments)
 {
     try {
-        const Lab::Farm farm = buildFarm(options);
-        if (options.list)
-            list(farm);
-        else
-            serve(options, farm);
-        return 0;
+        const auto options = Lab::readOptions(Lab::programArguments(argumentCount, arguments));
+        return std::holds_alternative<int>(options) ? std::get<int>(options)
+                                                    : listOrServe(std::get<Lab::Options>(options));
     } catch (const Lab::Error& error) {
         std::cerr << "printer-lab: " << error.what() << '\n';
         return usageError;
@@ -75,6 +83,5 @@ int run(const Lab::Options& options)
 
 int main(int argumentCount, char** arguments)
 {
-    const auto options = Lab::readOptions(argumentCount, arguments);
-    return std::holds_alternative<int>(options) ? std::get<int>(options) : run(std::get<Lab::Options>(options));
+    return run(argumentCount, arguments);
 }

@@ -1,5 +1,6 @@
 // Communities and passwords that requests carry stay inside: out of replies, standard error and the data store.
 #include "entry/Host.h"
+#include "unit/kep/datastore/Privacy.h"
 
 #include <algorithm>
 #include <array>
@@ -123,7 +124,7 @@ protected:
         EXPECT_NE(contentOf(store).find(macAddressOids), std::string::npos) << "this is how the file keeps texts";
         for (const auto& entry : std::filesystem::directory_iterator(store.parent_path())) {
             EXPECT_EQ(leakIn(contentOf(entry.path())), "") << entry.path();
-            EXPECT_EQ(entry.status().permissions(), std::filesystem::perms(0600)) << entry.path();
+            EXPECT_TRUE(isPrivate(entry.path().string())) << entry.path();
         }
     }
 

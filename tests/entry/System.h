@@ -41,7 +41,7 @@ public:
     std::string receive() const;
 
 private:
-    std::vector<int> sockets_;
+    std::vector<std::intptr_t> sockets_;
     std::uint16_t port_ = 0;
 };
 
@@ -51,6 +51,12 @@ std::uint16_t closedPort();
 /// Descriptors that this process has open, and threads that it has.
 std::size_t openDescriptors();
 std::size_t threads();
+
+/// What a library exports, by name.
+std::vector<std::string> exportedNames(const std::string& library);
+
+/// Whether an unloaded library has left the process: at once, or where a run keeps it loaded, when that has ended.
+bool isGone(const std::string& library);
 
 /// Bytes that this process has allocated and not freed; 0 where the allocator does not tell.
 std::size_t allocatedBytes();

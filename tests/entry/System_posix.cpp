@@ -1,5 +1,7 @@
 #include "entry/System.h"
 
+#include "entry/Driver.h"
+
 #include <arpa/inet.h>
 #include <fcntl.h>
 #include <malloc.h>
@@ -17,6 +19,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
+#include <sstream>
 #include <system_error>
 #include <thread>
 
@@ -155,17 +158,18 @@ SilentHosts::SilentHosts(int hosts)
 
 SilentHosts::~SilentHosts()
 {
-    for (const int descriptor : sockets_)
-        close(descriptor);
+    for (const std::intptr_t descriptor : sockets_)
+        close(static_cast<int>(descriptor));
 }
 
 std::string SilentHosts::receive() const
 {
-    pollfd waiting{sockets_.at(0), POLLIN, 0};
+    const auto descriptor = static_cast<int>(sockets_.at(0));
+    pollfd waiting{descriptor, POLLIN, 0};
     if (poll(&waiting, 1, 10'000) != 1)
         return {};
     std::array<char, 2048> buffer{};
-    const ssize_t count = recv(sockets_.at(0), buffer.data(), buffer.size(), 0);
+    const ssize_t count = recv(descriptor, buffer.data(), buffer.size(), 0);
     return count < 0 ? std::string() : std::string(buffer.data(), static_cast<std::size_t>(count));
 }
 
@@ -187,6 +191,23 @@ std::size_t threads()
 std::size_t allocatedBytes()
 {
     return mallinfo2().uordblks;
+}
+
+std::vector<std::string> exportedNames(const std::string& library)
+{
+    std::string listing;
+    if (run({PD_NM, "-D", "--defined-only", "--format=posix", library}, 60, &listing) != 0)
+        fail(PD_NM, EIO);
+    std::istringstream lines(listing);
+    std::vector<std::string> names;
+    for (std::string line; std::getline(lines, line);)
+        names.push_back(line.substr(0, line.find(' ')));
+    return names;
+}
+
+bool isGone(const std::string& library)
+{
+    return driverIsLoaded(library.c_str()) == 0;
 }
 
 } // namespace System

@@ -170,7 +170,7 @@ void readReply(Request& request, const std::string& packet, Kind kind)
         if (progress == Request::Progress::done && kind != Kind::discovery)
             return requireReply(request.reply());
         if (progress == Request::Progress::refused)
-            Fuzz::require(!request.refusal().empty(), "a refusal has words");
+            Fuzz::require(!request.refusal().text.empty(), "a refusal has words");
         if (progress == Request::Progress::done || progress == Request::Progress::refused)
             return;
         request.renew();

@@ -30,7 +30,7 @@ void replay(const std::filesystem::path& path)
     try {
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
     } catch (...) {
-        std::fprintf(stderr, "An exception leaves the target at %s\n", path.c_str());
+        std::fprintf(stderr, "An exception leaves the target at %s\n", path.string().c_str());
         throw;
     }
 }

@@ -17,11 +17,8 @@ public:
 
     /// Takes ownership of `callable`. Throws what moving it throws, or `std::bad_alloc`.
     template <class Callable>
-        requires(!std::is_same_v<std::remove_cvref_t<Callable>, UniqueFunction> &&
-                 std::is_invocable_r_v<Result, std::remove_cvref_t<Callable>&, Args...>)
-    UniqueFunction(Callable&& callable)
-        : target_(std::make_unique<Target<std::remove_cvref_t<Callable>>>(std::forward<Callable>(callable)))
-    {}
+        requires(!std::is_same_v<Callable, UniqueFunction> && std::is_invocable_r_v<Result, Callable&, Args...>)
+    UniqueFunction(Callable callable) : target_(std::make_unique<Target<Callable>>(std::move(callable))) {}
 
     /// Whether there is a callable to call.
     explicit operator bool() const noexcept { return target_ != nullptr; }
@@ -29,15 +26,23 @@ public:
     /// Calls it and passes its result and exceptions on. Requires one to be held.
     Result operator()(Args... args) { return target_->call(std::forward<Args>(args)...); }
 
+    /// An address in the library that the callable is code of; null when none is held.
+    const void* code() const noexcept { return target_ ? target_->code() : nullptr; }
+
 private:
     struct Base {
         virtual ~Base() = default;
         virtual Result call(Args... args) = 0;
+        virtual const void* code() const noexcept = 0;
     };
     template <class Callable> struct Target final : Base {
         explicit Target(Callable&& callable) : callable_(std::move(callable)) {}
-        explicit Target(const Callable& callable) : callable_(callable) {}
         Result call(Args... args) override { return callable_(std::forward<Args>(args)...); }
+        const void* code() const noexcept override
+        {
+            static const char here = 0;
+            return &here;
+        }
         Callable callable_;
     };
     std::unique_ptr<Base> target_;

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory): these are the allocator
 void* CoTaskMemAlloc(std::size_t size)
 {
     return std::malloc(size);
@@ -11,3 +12,4 @@ void CoTaskMemFree(void* block)
 {
     std::free(block);
 }
+// NOLINTEND(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory)

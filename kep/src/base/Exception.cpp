@@ -2,6 +2,7 @@
 
 namespace Kep {
 
+// NOLINTNEXTLINE(bugprone-throw-keyword-missing): the member is an exception because those share their text
 GenericException::GenericException(const std::string& message) : message_(message) {}
 GenericException::~GenericException() = default;
 

@@ -5,6 +5,7 @@
 
 namespace Kep {
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): the compiler holds the arguments against the format
 std::string formatText(const char* format, ...)
 {
     va_list arguments;

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t maxDepth = 64;
 
 // Of a key given twice the last value counts, at the place of the first.
-Variant::Object withoutRepetitions(Variant::Object members)
+Variant::Object withoutRepetitions(Variant::Object&& members)
 {
     Variant::Object kept;
     kept.reserve(members.size()); // the keys of `places` point into it

@@ -26,6 +26,14 @@ bool isKey(std::string_view text)
            std::all_of(text.begin(), text.end(), [](char each) { return each == '.' || isWordCharacter(each); });
 }
 
+void requireKey(const std::string& key)
+{
+    if (!isKey(key)) {
+        throw GenericException("data store key \"" + key +
+                               "\": expected words of letters, digits, \"-\" and \"_\", joined by dots");
+    }
+}
+
 } // namespace
 
 DataStore::DataStore(std::string path) : path_(std::move(path)) {}
@@ -45,12 +53,18 @@ std::optional<std::string> DataStore::get(const std::string& key) const
 
 void DataStore::set(const std::string& key, const std::string& value)
 {
-    if (!isKey(key)) {
-        throw GenericException("data store key \"" + key +
-                               "\": expected words of letters, digits, \"-\" and \"_\", joined by dots");
+    change({{key, value}});
+}
+
+void DataStore::change(const Changes& changes)
+{
+    for (const auto& [key, value] : changes) {
+        requireKey(key);
     }
     StoreTransaction transaction(path_, Access::write);
-    transaction.set(key, value);
+    for (const auto& [key, value] : changes) {
+        value ? transaction.set(key, *value) : transaction.unset(key);
+    }
     transaction.commit();
 }
 

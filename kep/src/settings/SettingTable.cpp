@@ -66,6 +66,12 @@ bool takeDns(HostSettings& settings, std::string_view value)
     return put(settings.dnsNames, readSwitch(value));
 }
 
+// Of no concern to the framework's own parts.
+bool takeHistory(HostSettings&, std::string_view value)
+{
+    return readInteger(value, 0, 1000).has_value();
+}
+
 bool takeOid(HostSettings&, std::string_view value)
 {
     return isOid(value);
@@ -107,6 +113,9 @@ const std::vector<SettingEntry>& settingTable()
         {{"host.names.netbios", "on", "Whether printers are asked for their NetBIOS name.", onOrOff, atInit},
          takeNetbios},
         {{"host.names.dns", "on", "Whether printers' names are looked up in the DNS.", onOrOff, atInit}, takeDns},
+        {{"host.history.runs", "0", "How many finished runs the web console keeps, the newest; 0 is none.",
+          "a number from 0 to 1000", atInit},
+         takeHistory},
         {{"services.PrinterDiscovery.macAddressOids", ".1.3.6.1.2.1.2.2.1.6.1,.1.3.6.1.2.1.2.2.1.6.2",
           "The objects that hold a printer's MAC addresses.", oidList, atServiceStart},
          takeOidList},

@@ -66,10 +66,15 @@ void AgentSession::open(const std::string& address)
 {
     if (wire_)
         throw Exception("the session is open already");
-    checkProfile(*profile_);
-    auto wire = std::make_unique<Wire>(address, profile_->port);
-    security_ = secure(*wire, *profile_, engine_->keys());
-    wire_ = std::move(wire);
+    record_.begin(address);
+    record_.watch([&] {
+        checkProfile(*profile_);
+        auto wire = std::make_unique<Wire>(address, profile_->port);
+        security_ = secure(*wire, *profile_, engine_->keys());
+        wire_ = std::move(wire);
+    });
+    if (const auto* const v3 = dynamic_cast<const ProfileV3*>(profile_.get()))
+        record_.foundEngine(PrivacyProtocol{v3->privacyProtocol} != PrivacyProtocol::none);
 }
 
 void AgentSession::getNext(const std::string& oid, std::string& nextOid, Variant& value)
@@ -77,14 +82,13 @@ void AgentSession::getNext(const std::string& oid, std::string& nextOid, Variant
     const auto asked = Oid::parse(oid);
     if (!asked)
         throw Exception("\"" + oid + "\" is no object identifier");
-    Reply reply = takeReply(askNext(*asked));
+    requireOpen();
+    Reply reply = getNextReply(*asked);
     if (!reply.hasValue) {
         nextOid = oid;
         value = Variant();
         return;
     }
-    if (reply.oid < *asked)
-        fail("the agent went back: " + reply.oid.text() + " does not follow " + asked->text());
     nextOid = reply.oid.text();
     value = std::move(reply.value);
 }
@@ -96,23 +100,47 @@ void AgentSession::get(const std::string& oid, Variant& value)
         value = Variant("");
         return;
     }
-    Reply reply = takeReply(ask({Question::Kind::get, *asked}));
-    if (reply.bindings != 0 && reply.oid != *asked)
-        fail("the agent answered for " + reply.oid.text() + ", asked for " + asked->text());
+    requireOpen();
+    Reply reply = getReply(*asked);
     value = reply.hasValue ? std::move(reply.value) : Variant("");
 }
 
-Answer AgentSession::askNext(const Oid& oid)
+Reply AgentSession::getNextReply(const Oid& oid)
 {
-    requireOpen();
-    const BudgetedRequest request(budget_, *wire_);
-    return ask({Question::Kind::getNext, oid}, request.limit());
+    return take(record_.watch([&] {
+        const BudgetedRequest request(budget_, *wire_);
+        Answer answer = ask({Question::Kind::getNext, oid}, request.limit());
+        if (const auto* const reply = std::get_if<Reply>(&answer); reply != nullptr && reply->hasValue)
+            if (reply->oid < oid)
+                throw failure("the agent went back: " + reply->oid.text() + " does not follow " + oid.text());
+        return answer;
+    }));
+}
+
+Reply AgentSession::getReply(const Oid& oid)
+{
+    return take(record_.watch([&] {
+        Answer answer = ask({Question::Kind::get, oid});
+        if (const auto* const reply = std::get_if<Reply>(&answer); reply != nullptr && reply->bindings != 0)
+            if (reply->oid != oid)
+                throw failure("the agent answered for " + reply->oid.text() + ", asked for " + oid.text());
+        return answer;
+    }));
+}
+
+// What was not answered is noted without being thrown and caught, which would cost a sweep more than all else.
+Reply AgentSession::take(Answer answer)
+{
+    if (const auto* const silence = std::get_if<Failure>(&answer))
+        record_.failed(*silence);
+    else
+        record_.answered();
+    return takeReply(std::move(answer));
 }
 
 // An agent that has nothing (RFC 1157, section 4.1.2) gives a reply without bindings; otherwise there is exactly one.
-Answer AgentSession::ask(const Question& question, Wire::Clock::time_point limit)
+Answer AgentSession::ask(const Question& question, Wire::Clock::time_point limit) const
 {
-    requireOpen();
     Answer answer = exchange(*wire_, *security_, question, limit);
     if (const auto* const reply = std::get_if<Reply>(&answer)) {
         if (reply->errorStatus == SNMP_ERR_NOSUCHNAME)
@@ -124,10 +152,13 @@ Answer AgentSession::ask(const Question& question, Wire::Clock::time_point limit
 
 void AgentSession::check(const Reply& reply) const
 {
+    if (reply.errorStatus == SNMP_ERR_AUTHORIZATIONERROR)
+        throw failure("the agent answered with error status 16 (access not authorised)",
+                      Host::Outcome::WrongCredentials);
     if (reply.errorStatus != SNMP_ERR_NOERROR)
-        fail("the agent answered with error status " + std::to_string(reply.errorStatus));
+        throw failure("the agent answered with error status " + std::to_string(reply.errorStatus));
     if (reply.bindings != 1)
-        fail("the agent answered with " + std::to_string(reply.bindings) + " variable bindings, expected 1");
+        throw failure("the agent answered with " + std::to_string(reply.bindings) + " variable bindings, expected 1");
 }
 
 void AgentSession::requireOpen() const
@@ -136,9 +167,9 @@ void AgentSession::requireOpen() const
         throw Exception("the session is not open");
 }
 
-void AgentSession::fail(const std::string& problem) const
+Failure AgentSession::failure(const std::string& problem, Host::Outcome outcome) const
 {
-    throw Exception(wire_->peer() + ": " + problem);
+    return {outcome, wire_->peer(), problem};
 }
 
 } // namespace Kep::Snmp

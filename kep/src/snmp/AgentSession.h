@@ -6,6 +6,7 @@
 #include "snmp/Engine.h"
 #include "snmp/Exchange.h"
 #include "snmp/SessionBudget.h"
+#include "snmp/SessionRecord.h"
 #include "snmp/Wire.h"
 
 #include <memory>
@@ -22,17 +23,20 @@ public:
     void get(const std::string& oid, Variant& value) override;
 
 private:
-    Answer ask(const Question& question, Wire::Clock::time_point limit = Wire::Clock::time_point::max());
-    Answer askNext(const Oid& oid);
+    Reply getReply(const Oid& oid);
+    Reply getNextReply(const Oid& oid);
+    Reply take(Answer answer);
+    Answer ask(const Question& question, Wire::Clock::time_point limit = Wire::Clock::time_point::max()) const;
     void check(const Reply& reply) const;
     void requireOpen() const;
-    [[noreturn]] void fail(const std::string& problem) const;
+    Failure failure(const std::string& problem, Host::Outcome outcome = Host::Outcome::Failed) const;
 
     const std::shared_ptr<Engine> engine_;
     const std::shared_ptr<const Profile> profile_;
     std::unique_ptr<Wire> wire_;         // null until open
     std::unique_ptr<Security> security_; // null until open
     SessionBudget budget_;
+    SessionRecord record_;
 };
 
 } // namespace Kep::Snmp

@@ -15,13 +15,13 @@ public:
     /// Calls `tryOpen` until it is true: at once, then whenever a descriptor was freed, and from time to time, since
     /// the process has other descriptors than ours. One waiter at a time tries, the others queue up behind it. Passes
     /// on what `tryOpen` throws.
-    void open(const std::function<bool()>& tryOpen);
+    void open(const std::function<bool()>& tryOpen) KEP_EXCLUDES(turn_);
 
     /// A descriptor was freed.
-    void freed();
+    void freed() KEP_EXCLUDES(mutex_);
 
 private:
-    void waitForFreed(std::uint64_t seen);
+    void waitForFreed(std::uint64_t seen) KEP_REQUIRES(turn_) KEP_EXCLUDES(mutex_);
 
     Mutex turn_; ///< held by the waiter whose turn it is
     std::atomic<bool> waited_{false};

@@ -1,6 +1,5 @@
 #include "snmp/Exchange.h"
 
-#include "Kep/Snmp/Exception.h"
 #include "settings/HostSettings.h"
 
 #include <algorithm>
@@ -30,6 +29,9 @@ public:
     }
 
 private:
+    // Besides the answer: answers to somebody else, and what is no message.
+    enum class Heard { nothing, others, nonsense };
+
     Clock::time_point deadline() const { return std::min(Clock::now() + settings_.snmpTimeout, limit_); }
 
     // The time that the packet waits for its turn is not the agent's.
@@ -51,39 +53,54 @@ private:
             if (progress == Request::Progress::done)
                 return true;
             if (progress == Request::Progress::refused)
-                throw Exception(wire_.peer() + ": " + request_.refusal());
+                throw Failure(request_.refusal().outcome, wire_.peer(), request_.refusal().text);
             if (progress == Request::Progress::resend) {
                 send();
                 until = deadline();
             }
-            heardNonsense_ = heardNonsense_ || progress == Request::Progress::unreadable;
+            heard_ = std::max(heard_, progress == Request::Progress::unreadable ? Heard::nonsense : Heard::others);
             if (Clock::now() >= until)
                 return false; // whatever else is there: an agent that never stops talking gets no more time than others
         }
         return false;
     }
 
-    Exception unanswered(int tries) const
+    const char* missing() const
     {
-        const std::string what = heardNonsense_ ? "no readable answer" : "no answer";
-        return Exception(wire_.peer() + ": " + what + " in " + std::to_string(tries) +
-                         (tries == 1 ? " try of " : " tries of ") + std::to_string(settings_.snmpTimeout.count()) +
-                         " ms");
+        if (heard_ == Heard::nonsense)
+            return "no readable answer";
+        if (heard_ == Heard::others)
+            return "no matching answer";
+        return wire_.reportedUnreachable() ? "reported unreachable: no answer" : "no answer";
+    }
+
+    Host::Outcome outcome() const
+    {
+        if (heard_ != Heard::nothing)
+            return Host::Outcome::Failed;
+        return wire_.reportedUnreachable() ? Host::Outcome::Unreachable : Host::Outcome::Silent;
+    }
+
+    Failure unanswered(int tries) const
+    {
+        return {outcome(), wire_.peer(),
+                std::string(missing()) + " in " + std::to_string(tries) + (tries == 1 ? " try of " : " tries of ") +
+                    std::to_string(settings_.snmpTimeout.count()) + " ms"};
     }
 
     Wire& wire_;
     Request request_;
     const HostSettings settings_;
     Clock::time_point limit_;
-    bool heardNonsense_ = false;
+    Heard heard_ = Heard::nothing;
 };
 
 } // namespace
 
 Reply takeReply(Answer answer)
 {
-    if (const auto* const failure = std::get_if<Exception>(&answer))
-        throw Exception(*failure);
+    if (const auto* const failure = std::get_if<Failure>(&answer))
+        throw Failure(*failure);
     return std::get<Reply>(std::move(answer));
 }
 

@@ -21,7 +21,7 @@
 
 namespace Kep::Snmp {
 
-inline constinit Mutex libraryMutex;
+inline Mutex libraryMutex;
 
 /// Initialises the library on the first call and does nothing on later ones. It loads no MIB, reads no
 /// configuration, keeps no files, and logs nowhere. Throws `Exception` when it cannot be initialised.

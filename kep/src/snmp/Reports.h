@@ -1,6 +1,7 @@
 /// What SNMPv3 agents report instead of answering.
 #pragma once
 
+#include "Kep/Host/Outcomes.h"
 #include "snmp/Library.h"
 
 #include <string>
@@ -18,7 +19,13 @@ enum class ReportVerdict {
 /// The library's number for what `report` reports.
 int reportKind(netsnmp_pdu& report) KEP_REQUIRES(libraryMutex);
 
-/// A message for people about it.
-std::string reportText(int kind);
+/// Why an agent will not answer a request.
+struct Refusal {
+    Host::Outcome outcome = Host::Outcome::Failed; ///< `WrongCredentials` if that is what it says
+    std::string text;                              ///< for people
+};
+
+/// What a report of a kind says.
+Refusal refusalOf(int kind);
 
 } // namespace Kep::Snmp

@@ -185,7 +185,7 @@ bool Request::onReport(netsnmp_pdu& report)
     case ReportVerdict::refused:
         break;
     }
-    refusal_ = reportText(reportKind(report));
+    refusal_ = refusalOf(reportKind(report));
     progress_ = Progress::refused;
     return true;
 }

@@ -60,7 +60,7 @@ public:
     const Reply& reply() const noexcept { return reply_; }
 
     /// Requires `refused`.
-    const std::string& refusal() const noexcept { return refusal_; }
+    const Refusal& refusal() const noexcept { return refusal_; }
 
 private:
     bool encode(const Question& question) KEP_REQUIRES(libraryMutex);
@@ -78,7 +78,7 @@ private:
     long messageId_ = 0; // of the message sent last (RFC 3412, section 6.2)
     Progress progress_ = Progress::waiting;
     Reply reply_;
-    std::string refusal_;
+    Refusal refusal_;
     std::exception_ptr thrown_;
     LibrarySession session_; // last: closing it calls back
 };

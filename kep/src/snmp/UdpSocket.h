@@ -29,8 +29,15 @@ public:
     /// Takes one datagram into `buffer`, cut to its size, and gives its length; nothing when there is none.
     std::optional<std::size_t> receive(std::span<unsigned char> buffer);
 
+    /// Whether the network has reported that it does not reach the address at the moment, which is no failure (soft
+    /// errors: RFC 1122, section 4.1.3.3). Not all systems tell.
+    bool reportedUnreachable() const noexcept { return unreachable_; }
+
 private:
+    bool takeSoftErrors();
+
     std::intptr_t handle_;
+    bool unreachable_ = false;
 };
 
 } // namespace Kep::Snmp

@@ -3,14 +3,18 @@
 #include "snmp/UdpSocket.h"
 
 #include <arpa/inet.h>
+#include <linux/errqueue.h>
 #include <netinet/in.h>
+#include <netinet/ip_icmp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <climits>
+#include <cstring>
 #include <system_error>
 
 namespace Kep::Snmp {
@@ -48,12 +52,51 @@ sockaddr_in peerOf(std::uint32_t address, std::uint16_t port)
     return peer;
 }
 
+bool isUnreachable(int error)
+{
+    return error == EHOSTUNREACH || error == ENETUNREACH;
+}
+
+// A route that is missing at the moment, or a neighbour that does not answer at the moment.
+bool isSoft(const sock_extended_err& error)
+{
+    if (error.ee_origin != SO_EE_ORIGIN_ICMP)
+        return false;
+    return error.ee_type == ICMP_TIME_EXCEEDED ||
+           (error.ee_type == ICMP_DEST_UNREACH &&
+            (error.ee_code == ICMP_NET_UNREACH || error.ee_code == ICMP_HOST_UNREACH));
+}
+
+// The next error that the system has kept for a socket.
+std::optional<sock_extended_err> takeQueuedError(int handle)
+{
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(sock_extended_err) + sizeof(sockaddr_in))> control{};
+    msghdr message{};
+    message.msg_control = control.data();
+    message.msg_controllen = control.size();
+    if (::recvmsg(handle, &message, MSG_ERRQUEUE | MSG_DONTWAIT) < 0)
+        return std::nullopt;
+    sock_extended_err error{};
+    if (const cmsghdr* const header = CMSG_FIRSTHDR(&message);
+        header != nullptr && header->cmsg_level == IPPROTO_IP && header->cmsg_type == IP_RECVERR)
+        std::memcpy(&error, CMSG_DATA(header), sizeof error);
+    return error;
+}
+
+// Without this the system keeps soft errors to itself.
+void askForErrors(int handle)
+{
+    const int on = 1;
+    ::setsockopt(handle, IPPROTO_IP, IP_RECVERR, &on, sizeof on);
+}
+
 // A socket connected to `peer`; -1 for now, with `errno` saying what is short.
 int tryConnect(const sockaddr_in& peer)
 {
     const int handle = ::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (handle < 0)
         return -1;
+    askForErrors(handle);
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface wants it so
     if (::connect(handle, reinterpret_cast<const sockaddr*>(&peer), sizeof peer) == 0)
         return handle;
@@ -93,8 +136,12 @@ UdpSocket::~UdpSocket()
 
 void UdpSocket::send(std::span<const unsigned char> packet)
 {
-    if (::send(static_cast<int>(handle_), packet.data(), packet.size(), MSG_NOSIGNAL) < 0 && !isPassing(errno) &&
-        errno != ENOBUFS)
+    const auto trySend = [&] {
+        return ::send(static_cast<int>(handle_), packet.data(), packet.size(), MSG_NOSIGNAL) >= 0 || isPassing(errno) ||
+               errno == ENOBUFS;
+    };
+    // The error may be that of an earlier packet, and then this one has not been sent.
+    if (!trySend() && !(isUnreachable(errno) && takeSoftErrors() && trySend()))
         throwLastError("send");
 }
 
@@ -117,9 +164,29 @@ std::optional<std::size_t> UdpSocket::receive(std::span<unsigned char> buffer)
     const ssize_t size = ::recv(static_cast<int>(handle_), buffer.data(), buffer.size(), 0);
     if (size >= 0)
         return static_cast<std::size_t>(size);
-    if (!isPassing(errno))
+    if (isPassing(errno)) {
+        takeSoftErrors();
+        return std::nullopt;
+    }
+    if (!isUnreachable(errno) || !takeSoftErrors())
         throwLastError("recv");
     return std::nullopt;
+}
+
+// Takes all errors that the system has kept, without which the socket would stay readable. Whether there were any, and
+// none but soft ones; if not, `errno` is as before.
+bool UdpSocket::takeSoftErrors()
+{
+    const int before = errno;
+    bool any = false;
+    bool others = false;
+    while (const auto error = takeQueuedError(static_cast<int>(handle_))) {
+        any = any || isSoft(*error);
+        others = others || !isSoft(*error);
+    }
+    errno = before;
+    unreachable_ = unreachable_ || any;
+    return any && !others;
 }
 
 } // namespace Kep::Snmp

@@ -4,6 +4,7 @@
 #include "Kep/Snmp/Exception.h"
 #include "base/Immortal.h"
 #include "settings/HostSettings.h"
+#include "snmp/Failure.h"
 #include "snmp/PacketPacer.h"
 
 #include <memory>
@@ -42,11 +43,15 @@ std::uint32_t parseAddress(const std::string& address)
     return static_cast<std::uint32_t>(number);
 }
 
-std::string reasonOf(const std::system_error& error)
+Failure failureOf(const std::string& peer, const std::system_error& error)
 {
+    using Host::Outcome;
     if (error.code() == std::errc::connection_refused)
-        return "the port is closed";
-    return error.code().message();
+        return {Outcome::PortClosed, peer, "the port is closed"};
+    const bool isUnreachable = error.code() == std::errc::host_unreachable ||
+                               error.code() == std::errc::network_unreachable ||
+                               error.code() == std::errc::network_down;
+    return {isUnreachable ? Outcome::Unreachable : Outcome::Failed, peer, error.code().message()};
 }
 
 template <class Action> auto reported(const std::string& peer, Action action)
@@ -54,16 +59,18 @@ template <class Action> auto reported(const std::string& peer, Action action)
     try {
         return action();
     } catch (const std::system_error& error) {
-        throw Exception(peer + ": " + reasonOf(error));
+        throw failureOf(peer, error);
     }
 }
 
 } // namespace
 
+// The tool takes the initialisers of a constructor with a handler for part of it.
+// cppcheck-suppress uninitMemberVar
 Wire::Wire(const std::string& address, std::uint16_t port)
 try : peer_(address + ":" + std::to_string(port)), socket_(parseAddress(address), port) {
 } catch (const std::system_error& error) {
-    throw Exception(address + ":" + std::to_string(port) + ": " + reasonOf(error));
+    throw failureOf(address + ":" + std::to_string(port), error);
 }
 
 void Wire::send(std::span<const unsigned char> packet)

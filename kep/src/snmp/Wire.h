@@ -27,6 +27,9 @@ public:
     /// passed deadline still takes what is already there.
     bool receive(Clock::time_point deadline, const Reader& read);
 
+    /// Whether the network has reported that it does not reach the agent at the moment.
+    bool reportedUnreachable() const noexcept { return socket_.reportedUnreachable(); }
+
     /// For messages to people: address and port.
     const std::string& peer() const noexcept { return peer_; }
 

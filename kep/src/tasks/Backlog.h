@@ -68,6 +68,9 @@ public:
 
     Host::CallWork workOf(Host::CallId call) const noexcept;
 
+    /// Whether a call is open or has tasks.
+    bool knows(Host::CallId call) const noexcept { return calls_.contains(call); }
+
     std::size_t queued() const noexcept { return queued_; }
     std::size_t pending() const noexcept { return entries_.size(); }
     std::size_t calls() const noexcept { return calls_.size(); }

@@ -1,6 +1,6 @@
 #include "Kep/Host/Call.h"
 
-#include "tasks/CurrentCall.h"
+#include "base/CurrentCall.h"
 #include "tasks/TaskQueue.h"
 
 #include <atomic>
@@ -30,6 +30,16 @@ Call::~Call()
 CallWork workOf(CallId call)
 {
     return TaskQueue::process().workOf(call);
+}
+
+void waitForWork(CallId call)
+{
+    TaskQueue::process().waitForWork(call);
+}
+
+bool hasEnded(CallId call)
+{
+    return TaskQueue::process().hasEnded(call);
 }
 
 void withdraw(CallId call)

@@ -1,11 +1,13 @@
 #include "Kep/Tasks/Task.h"
 
+#include "tasks/HeldCode.h"
+
 #include <utility>
 
 namespace Kep::Tasks {
 
 Task::Task(std::string name, RunCallback run, FinishCallback finish)
-    : name_(std::move(name)), run_(std::move(run)), finish_(std::move(finish))
+    : code_(holdCode(run.code())), name_(std::move(name)), run_(std::move(run)), finish_(std::move(finish))
 {}
 
 Task::~Task() = default;

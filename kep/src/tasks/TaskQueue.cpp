@@ -2,8 +2,8 @@
 
 #include "Kep/Exception.h"
 #include "Kep/Host/Tasks.h"
+#include "base/CurrentCall.h"
 #include "base/Immortal.h"
-#include "tasks/CurrentCall.h"
 #include "tasks/SleeperTable.h"
 
 #include <algorithm>
@@ -29,9 +29,10 @@ template <class Callback> unsigned thrownBy(Callback&& callback) noexcept
     }
 }
 
-// Serves a task and lets go of it and of its account; the number of callbacks that threw.
+// Serves a task and lets go of it and of its account, at last of its code; the number of callbacks that threw.
 unsigned serve(Backlog::Entry& entry) noexcept
 {
+    const auto code = entry.task->takeCode();
     const CurrentCall scope(entry.callId);
     Tasks::FinishContext outcome{.taskId = entry.id, .ran = !entry.withdrawn, .succeeded = false};
     unsigned thrown = 0;
@@ -122,6 +123,29 @@ Host::CallWork TaskQueue::workOf(Host::CallId call)
     ensureStarter();
     const MutexLock lock(mutex_);
     return backlog_.workOf(call);
+}
+
+void TaskQueue::waitForWork(Host::CallId call)
+{
+    MutexLock lock(mutex_);
+    ++workWaiters_;
+    while (hasWork(call)) {
+        lock.unlock();
+        ensureStarter();
+        lock.lock();
+        if (!hasStarter_) {
+            lock.waitUntil(workEnded_, steady_clock::now() + longestPause);
+        } else if (hasWork(call)) {
+            lock.wait(workEnded_);
+        }
+    }
+    --workWaiters_;
+}
+
+bool TaskQueue::hasEnded(Host::CallId call)
+{
+    const MutexLock lock(mutex_);
+    return !backlog_.knows(call);
 }
 
 void TaskQueue::withdraw(Host::CallId call)
@@ -236,7 +260,17 @@ void TaskQueue::serveNext(MutexLock& lock) KEP_NO_THREAD_SAFETY_ANALYSIS
     const unsigned thrown = serve(entry);
     lock.lock();
     thrown_ += thrown;
+    const Host::CallId call = entry.callId;
     backlog_.remove(entry);
+    if (workWaiters_ > 0 && !hasWork(call)) {
+        workEnded_.notify_all();
+    }
+}
+
+bool TaskQueue::hasWork(Host::CallId call) const
+{
+    const Host::CallWork work = backlog_.workOf(call);
+    return work.queued + work.running > 0;
 }
 
 bool TaskQueue::mayServe() const

@@ -64,9 +64,11 @@ public:
     void openCall(Host::CallId call) noexcept;
     void closeCall(Host::CallId call) noexcept;
 
-    /// See `Host::workOf` and `Host::withdraw`. A call that has neither an open scope nor tasks is not known and has
-    /// no work; withdrawing it does nothing.
+    /// See `Kep/Host/Call.h`. A call that has neither an open scope nor tasks is not known and has no work;
+    /// withdrawing it does nothing.
     Host::CallWork workOf(Host::CallId call);
+    void waitForWork(Host::CallId call);
+    bool hasEnded(Host::CallId call);
     void withdraw(Host::CallId call);
 
     Figures figures() const;
@@ -85,6 +87,7 @@ private:
     void work();
     void sitIdle(Worker& self, MutexLock& lock) KEP_REQUIRES(mutex_);
     void serveNext(MutexLock& lock) KEP_REQUIRES(mutex_);
+    bool hasWork(Host::CallId call) const KEP_REQUIRES(mutex_);
     bool mayServe() const KEP_REQUIRES(mutex_);
     bool shortOfThreads() const KEP_REQUIRES(mutex_);
     void engage() noexcept KEP_REQUIRES(mutex_);
@@ -96,12 +99,14 @@ private:
     mutable Mutex mutex_;
     std::condition_variable starterWake_;
     std::condition_variable ended_;
+    std::condition_variable workEnded_; // that of some call, while somebody waits for one
     Backlog backlog_ KEP_GUARDED_BY(mutex_);
     boost::intrusive::list<Worker> idle_ KEP_GUARDED_BY(mutex_); // the last to become idle is the first to work again
     std::size_t limit_ KEP_GUARDED_BY(mutex_) = 1;
     std::size_t workers_ KEP_GUARDED_BY(mutex_) = 0;
     std::size_t active_ KEP_GUARDED_BY(mutex_) = 0; // threads that serve or are on their way to
     std::size_t coming_ KEP_GUARDED_BY(mutex_) = 0; // of these, those that have yet to look for a task
+    std::size_t workWaiters_ KEP_GUARDED_BY(mutex_) = 0;
     std::uint64_t thrown_ KEP_GUARDED_BY(mutex_) = 0;
     bool starterWaits_ KEP_GUARDED_BY(mutex_) = false;
     bool closing_ KEP_GUARDED_BY(mutex_) = false;

@@ -19,7 +19,7 @@ using Document = nlohmann::ordered_json;
 /// Against hangs only; no sweep of these tests comes near it.
 constexpr std::chrono::seconds sweepBound(120);
 
-/// A program that stands in the build folder.
+/// A program that stands in the build folder, or in the one that PRINTER_DISCOVERY_PROGRAMS names.
 std::string builtProgram(const std::string& name);
 
 /// One printer as a document shows it.

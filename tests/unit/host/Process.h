@@ -8,6 +8,9 @@
 
 namespace Host {
 
+/// The program to test: the one that was built, or its namesake in the folder that PRINTER_DISCOVERY_PROGRAMS names.
+std::string underTest(const std::string& built);
+
 /// Runs while the object lives; killed with it. Waits give up after a minute by throwing.
 class Process {
 public:

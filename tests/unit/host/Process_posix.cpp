@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -92,6 +93,13 @@ bool readInto(int& descriptor, std::string& text)
 }
 
 } // namespace
+
+std::string underTest(const std::string& built)
+{
+    const char* const folder = std::getenv("PRINTER_DISCOVERY_PROGRAMS");
+    return folder == nullptr ? built
+                             : (std::filesystem::path(folder) / std::filesystem::path(built).filename()).string();
+}
 
 Process::Process(std::vector<std::string> command, const Options& options)
 {

@@ -26,9 +26,11 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::StartsWith;
 
 class TheProgram : public testing::Test {
 protected:
@@ -42,7 +44,7 @@ protected:
 
     static std::vector<std::string> command(std::vector<std::string> arguments)
     {
-        arguments.insert(arguments.begin(), HOST_PROGRAM);
+        arguments.insert(arguments.begin(), underTest(HOST_PROGRAM));
         return arguments;
     }
 
@@ -75,6 +77,12 @@ protected:
                R"("includeRanges":[{"from":"127.78.0.1","to":"127.78.0.1"}],"excludeRanges":[],)"
                R"("snmpProfile":{"snmpVersion":2,"snmpPort":)" +
                port + R"(,"communityRead":"public","communityWrite":""}}})";
+    }
+
+    static std::string contentOf(const std::string& path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     static void say(const Process& process, int id, const std::string& operation, const std::string& params)
@@ -138,13 +146,59 @@ TEST_F(TheProgram, EndsWith1WhenTheDataStoreIsNone)
     }
 }
 
-TEST_F(TheProgram, FindingNothingIsADocumentAndNothingElse)
+TEST_F(TheProgram, FindingNothingIsADocumentWithCountsAndAdviceBesideIt)
 {
-    const Ended ended = run(
-        {"discover", "127.78.0.1-127.78.0.3", "--exclude", "127.78.0.2", "--port", closedPort(), "--format", "json"});
+    const std::string port = closedPort();
+    const Ended ended =
+        run({"discover", "127.78.0.1-127.78.0.3", "--exclude", "127.78.0.2", "--port", port, "--format", "json"});
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.output, "{\"step\":2,\"total\":2,\"state\":1,\"printers\":[]}\n");
-    EXPECT_EQ(ended.errors, "2 addresses to probe\n");
+    EXPECT_EQ(ended.errors, "2 addresses to probe\n2 addresses: 2 port closed\n2 hosts have UDP port " + port +
+                                " closed: SNMP is switched off there, or listens at another port.\n");
+}
+
+TEST_F(TheProgram, WritesWhatBecameOfEachAddressForItsOwnerAlone)
+{
+    const std::string path = folder.write("outcomes.csv", "of an earlier run", std::filesystem::perms(0644));
+    const Ended ended = run({"discover", "127.78.0.1-2", "--port", closedPort(), "--outcomes", path, "-q"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.errors, "");
+    EXPECT_EQ(contentOf(path), "ip,outcome,problem\r\n127.78.0.1,portClosed,\r\n127.78.0.2,portClosed,\r\n");
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0600));
+}
+
+TEST_F(TheProgram, WritesTheOutcomesOfAnInterruptedRun)
+{
+    const SilentAgent agent({"127.78.0.1"});
+    const std::string path = folder.file("outcomes.csv");
+    auto arguments = patientSweep(agent);
+    arguments.insert(arguments.end(), {"127.78.0.2", "--outcomes", path});
+    Process process(arguments, quiet());
+    ASSERT_TRUE(agent.waitForRequest());
+    process.signal(SIGINT);
+    EXPECT_EQ(process.wait(), 130);
+    EXPECT_THAT(process.errors(), EndsWith("not probed\n")) << "no advice on what was not finished";
+    EXPECT_THAT(contentOf(path), AllOf(StartsWith("ip,outcome,problem\r\n"), Not(HasSubstr("127.78.0.1,"))))
+        << "what was not reached is left out";
+}
+
+TEST_F(TheProgram, RefusesOutcomesThatItCannotWriteBeforeItSweeps)
+{
+    const SilentAgent agent({"127.78.0.1"});
+    for (const std::string& path :
+         {folder.file("absent/o.csv"), folder.file("o.txt"), folder.file("o"), std::string("csv")}) {
+        const Ended ended = run({"discover", "127.78.0.1", "--port", agent.port(), "--outcomes", path});
+        EXPECT_EQ(ended.status, 2) << path;
+        EXPECT_THAT(ended.errors, HasSubstr("--outcomes")) << path;
+    }
+    EXPECT_FALSE(std::filesystem::exists(folder.file("o.txt")));
+}
+
+TEST_F(TheProgram, MakesNoOutcomesInADryRun)
+{
+    const std::string path = folder.file("outcomes.csv");
+    EXPECT_EQ(run({"discover", "127.78.0.1", "--dry-run", "--outcomes", path}).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST_F(TheProgram, ARunOfNoAddressesFinishes)
@@ -175,7 +229,7 @@ TEST_F(TheProgram, AnInterruptedRunPrintsWhatItHasWithoutWaitingForProbes)
         process.signal(number);
         EXPECT_EQ(process.wait(), 130);
         EXPECT_EQ(process.output(), "{\"step\":0,\"total\":1,\"state\":2,\"printers\":[],\"interrupted\":true}\n");
-        EXPECT_EQ(process.errors(), "1 address to probe\n");
+        EXPECT_EQ(process.errors(), "1 address to probe\n1 address: 1 not probed\n");
     }
 }
 
@@ -525,7 +579,7 @@ TEST_F(TheProgram, MakesFilesForTheirOwnerAloneWhateverTheUmask)
     for (const char* arguments :
          {"settings set host.snmp.retries 1", "settings set host.snmp.retries 2 --data-store"}) {
         Process process({"/bin/sh", "-c",
-                         "umask 0; exec " + std::string(HOST_PROGRAM) + ' ' + arguments +
+                         "umask 0; exec " + underTest(HOST_PROGRAM) + ' ' + arguments +
                              (std::string(arguments).ends_with("--data-store") ? ' ' + store : "")},
                         quiet());
         EXPECT_EQ(process.wait(), 0) << process.errors();
@@ -553,7 +607,7 @@ public:
 protected:
     static constexpr const char* Network = "127.79.0.0/24";
 
-    Process lab{{LAB_PROGRAM, "--network", Network, "--port", "0", "--until-stdin-closes"}};
+    Process lab{{underTest(LAB_PROGRAM), "--network", Network, "--port", "0", "--until-stdin-closes"}};
     std::string port = portOf(lab.line());
 
     void SetUp() override { ASSERT_EQ(lab.line(), "ready"); }
@@ -561,7 +615,7 @@ protected:
     /// What a discovery should report, by the lab's own account.
     static Json expectedPrinters()
     {
-        Process list({LAB_PROGRAM, "--network", Network, "--list"});
+        Process list({underTest(LAB_PROGRAM), "--network", Network, "--list"});
         EXPECT_EQ(list.wait(), 0);
         Json printers = Json::array();
         std::istringstream lines(list.output());
@@ -590,7 +644,8 @@ TEST_F(TheProgramAndTheLab, FindExactlyThePrinters)
     const Json printers = expectedPrinters();
     EXPECT_GT(printers.size(), 5U);
     EXPECT_EQ(Json::parse(ended.output), (Json{{"step", 254}, {"total", 254}, {"state", 1}, {"printers", printers}}));
-    EXPECT_EQ(ended.errors, "254 addresses to probe\n");
+    EXPECT_EQ(ended.errors,
+              "254 addresses to probe\n254 addresses: 14 printers, 4 other devices answered, 236 silent\n");
 }
 
 TEST_F(TheProgramAndTheLab, GiveALineForEachPrinter)
@@ -703,7 +758,8 @@ class TheProgramAndAPrivateLab : public TheProgram {
 protected:
     static constexpr const char* Network = "127.81.0.0/24";
 
-    Process lab{{LAB_PROGRAM, "--network", Network, "--port", "0", "--until-stdin-closes", "--community", "s3cond"}};
+    Process lab{
+        {underTest(LAB_PROGRAM), "--network", Network, "--port", "0", "--until-stdin-closes", "--community", "s3cond"}};
     std::string port = TheProgramAndTheLab::portOf(lab.line());
 
     void SetUp() override { ASSERT_EQ(lab.line(), "ready"); }
@@ -723,7 +779,8 @@ TEST_F(TheProgramAndAPrivateLab, TryEveryCredential)
     const std::string file = folder.write("credentials", "[first]\ncommunity = f1rst\n[second]\ncommunity = s3cond\n");
     const Ended ended = sweep({"--credentials", file}, quiet());
     EXPECT_EQ(ended.status, 0);
-    EXPECT_EQ(ended.errors, "254 addresses to probe, with each of 2 credentials\n");
+    EXPECT_EQ(ended.errors, "254 addresses to probe, with each of 2 credentials\n"
+                            "254 addresses: 14 printers, 4 other devices answered, 236 silent\n");
     const Json result = Json::parse(ended.output);
     EXPECT_EQ(result["step"], 508);
     EXPECT_EQ(result["total"], 508);
@@ -747,7 +804,8 @@ class TheProgramAndASecretLab : public TheProgram {
 protected:
     static constexpr const char* Network = "127.81.0.0/24";
 
-    Process lab{{LAB_PROGRAM, "--network", Network, "--port", "0", "--until-stdin-closes", "--community", Secret}};
+    Process lab{
+        {underTest(LAB_PROGRAM), "--network", Network, "--port", "0", "--until-stdin-closes", "--community", Secret}};
     std::string port = TheProgramAndTheLab::portOf(lab.line());
 
     void SetUp() override

@@ -55,7 +55,7 @@ protected:
 TEST_F(Agents, AnswerWithTheRequestsVersionCommunityAndId)
 {
     for (const long version : {SNMP_VERSION_1, SNMP_VERSION_2c})
-        for (const long id : {0L, 127L, 128L, 2147483647L, -1L, -2147483648L}) {
+        for (const long id : {0L, 127L, 128L, 2147483647L, -1L, -2147483647L - 1}) {
             const auto answer = Testing::decode(exchange({version, SNMP_MSG_GET, {"1.3.6.1.2.1.1.1.0"}, "public", id}));
             EXPECT_EQ(answer.version, version);
             EXPECT_EQ(answer.community, "public");

@@ -9,19 +9,18 @@ namespace {
 
 class CommandLine : public testing::Test {
 protected:
-    static std::variant<Options, int> read(std::vector<const char*> arguments)
+    static std::variant<Options, int> read(const std::vector<const char*>& arguments)
     {
-        arguments.insert(arguments.begin(), "printer-lab");
-        return readOptions(static_cast<int>(arguments.size()), arguments.data());
+        return readOptions({arguments.begin(), arguments.end()});
     }
 
-    static Options good(std::vector<const char*> arguments) { return std::get<Options>(read(std::move(arguments))); }
+    static Options good(const std::vector<const char*>& arguments) { return std::get<Options>(read(arguments)); }
 
     /// What is said on standard error about arguments that end with status 2.
-    static std::string refusal(std::vector<const char*> arguments)
+    static std::string refusal(const std::vector<const char*>& arguments)
     {
         testing::internal::CaptureStderr();
-        const auto result = read(std::move(arguments));
+        const auto result = read(arguments);
         std::string said = testing::internal::GetCapturedStderr();
         EXPECT_TRUE(std::holds_alternative<int>(result) && std::get<int>(result) == 2);
         return said;

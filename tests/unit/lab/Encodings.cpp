@@ -33,7 +33,7 @@ Bytes ours(const std::string& typeAndValue)
 TEST(Encodings, IntegersAreThoseOfNetSnmp)
 {
     for (const long value : {0L, 1L, -1L, 127L, 128L, -128L, -129L, 255L, 256L, 32767L, 32768L, -32768L, -32769L,
-                             8388607L, 8388608L, 2147483647L, -2147483648L})
+                             8388607L, 8388608L, 2147483647L, -2147483647L - 1})
         EXPECT_EQ(ours("2|" + std::to_string(value)), netSnmp([&](u_char* out, std::size_t* left) {
                       return asn_build_int(out, left, ASN_INTEGER, &value, sizeof value);
                   }))

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 namespace Lab {
 namespace {
@@ -156,8 +157,11 @@ class ProfileFolders : public testing::Test {
 protected:
     ProfileFolders()
     {
-        std::string pattern = testing::TempDir() + "lab-profiles-XXXXXX";
-        _folder = ::mkdtemp(pattern.data());
+        std::random_device number;
+        do
+            _folder =
+                std::filesystem::temp_directory_path().generic_string() + "/lab-profiles-" + std::to_string(number());
+        while (!std::filesystem::create_directory(_folder));
     }
     ~ProfileFolders() override { std::filesystem::remove_all(_folder); }
 

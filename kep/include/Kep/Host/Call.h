@@ -36,6 +36,14 @@ struct CallWork {
 /// What is left of the call's work. Any thread; takes the queue's lock briefly.
 KEP_API CallWork workOf(CallId call);
 
+/// Sleeps until nothing is left of the call's work. What the call itself submits later, if it is still under way, is
+/// not waited for. Any thread but those that run tasks.
+KEP_API void waitForWork(CallId call);
+
+/// Whether the call has returned and nothing is left of its work: it will never have any again. Any thread; takes the
+/// queue's lock briefly.
+KEP_API bool hasEnded(CallId call);
+
 /// Withdraws the call's work for good: its queued tasks, and those that running ones still submit, go straight to
 /// their finish callbacks, on queue threads. Running callbacks are not disturbed. Returns at once. Any thread; takes
 /// the queue's lock briefly. Throws only `std::bad_alloc`.

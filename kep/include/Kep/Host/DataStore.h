@@ -26,6 +26,12 @@ public:
     std::optional<std::string> get(const std::string& key) const;
     void set(const std::string& key, const std::string& value);
 
+    /// Keys with their new values; those without one are removed.
+    using Changes = std::map<std::string, std::optional<std::string>>;
+
+    /// Makes all of the changes or, when it throws or the process ends, none.
+    void change(const Changes& changes);
+
     /// Whether there was something to remove.
     bool unset(const std::string& key);
 

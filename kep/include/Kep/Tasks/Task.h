@@ -5,7 +5,9 @@
 #include "Kep/UniqueFunction.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <utility>
 
 namespace Kep::Tasks {
 
@@ -47,7 +49,12 @@ public:
     bool run(RunContext& context) { return run_(context); }
     void finish(FinishContext& context) { finish_(context); }
 
+    /// For the queue: what keeps the library of the callbacks in the process, or nothing where unloading a library
+    /// waits for its tasks. To be let go of after the task.
+    std::shared_ptr<const void> takeCode() noexcept { return std::move(code_); }
+
 private:
+    std::shared_ptr<const void> code_;
     std::string name_;
     RunCallback run_;
     FinishCallback finish_;

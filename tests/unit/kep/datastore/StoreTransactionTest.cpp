@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 using Kep::StoreTransaction;
 using Access = Kep::StoreTransaction::Access;
 
@@ -58,23 +56,6 @@ TEST_F(Transactions, ANewStoreThatWasNotCommittedIsEmptyAndUsable)
     EXPECT_TRUE(content().empty());
     put("b", "2");
     EXPECT_EQ(content(), (std::map<std::string, std::string>{{"b", "2"}}));
-}
-
-TEST_F(Transactions, TheJournalIsReadableByTheOwnerAlone)
-{
-    put("a", "1");
-    const mode_t previous = umask(0);
-    StoreTransaction transaction(path_, Access::write);
-    transaction.set("a", "2");
-    umask(previous);
-    std::size_t files = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
-        struct stat status {};
-        ASSERT_EQ(stat(entry.path().c_str(), &status), 0);
-        EXPECT_EQ(status.st_mode & 0777, 0600u) << entry.path();
-        ++files;
-    }
-    EXPECT_EQ(files, 2u) << "the store and its journal";
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "Kep/Mutex.h"
 #include "tests/unit/kep/net/StatusReply.h"
+#include "tests/unit/support/TestSocket.h"
 
 #include <atomic>
 #include <cstdint>
@@ -25,15 +26,14 @@ public:
     UdpResponder(const UdpResponder&) = delete;
     UdpResponder& operator=(const UdpResponder&) = delete;
 
-    std::uint16_t port() const { return port_; }
+    std::uint16_t port() const { return socket_.port(); }
     std::vector<Bytes> requests();
 
 private:
     void serve();
 
     const Script script_;
-    std::uint16_t port_ = 0;
-    const int socket_;
+    const TestSupport::TestSocket socket_;
     std::atomic<bool> ending_{false};
     Mutex mutex_;
     std::vector<Bytes> requests_ KEP_GUARDED_BY(mutex_);

@@ -55,10 +55,11 @@ TEST_F(Settings, AreListedWithTheirKeysOnce)
         EXPECT_FALSE(setting.accepted.empty());
         EXPECT_FALSE(setting.effect.empty());
     }
-    EXPECT_EQ(keys, (std::vector<std::string_view>{
-                        "host.snmp.timeout", "host.snmp.retries", "host.snmp.rate", "host.tasks.limit",
-                        "host.names.netbios", "host.names.dns", "services.PrinterDiscovery.macAddressOids",
-                        "services.PrinterDiscovery.oidDeviceType", "services.PrinterDiscovery.oidDeviceTypePrinter"}));
+    EXPECT_EQ(keys, (std::vector<std::string_view>{"host.snmp.timeout", "host.snmp.retries", "host.snmp.rate",
+                                                   "host.tasks.limit", "host.names.netbios", "host.names.dns",
+                                                   "host.history.runs", "services.PrinterDiscovery.macAddressOids",
+                                                   "services.PrinterDiscovery.oidDeviceType",
+                                                   "services.PrinterDiscovery.oidDeviceTypePrinter"}));
 }
 
 TEST_F(Settings, DefaultsAreAcceptedAndAreTheOnesInForce)
@@ -92,6 +93,8 @@ TEST_F(Settings, CountsHaveTheirLimits)
     refuses("host.snmp.rate", {"", "-1", "1000001", "5000.5", "fast", "5k", "auto"});
     accepts("host.tasks.limit", {"1", "65536", "auto"});
     refuses("host.tasks.limit", {"", "0", "65537", "-5", "4k", "automatic"});
+    accepts("host.history.runs", {"0", "1", "1000"});
+    refuses("host.history.runs", {"", "-1", "1001", "1.5", "all", "on"});
     applyHostSettings({{"host.snmp.retries", "0"}, {"host.snmp.rate", "0"}, {"host.tasks.limit", "65536"}});
     EXPECT_EQ(hostSettings().snmpRetries, 0);
     EXPECT_EQ(hostSettings().snmpRate, 0);

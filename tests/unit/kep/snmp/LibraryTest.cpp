@@ -1,5 +1,7 @@
 #include "Kep/Snmp/V3Engine.h"
 
+#include "tests/unit/support/Environment.h"
+
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -10,8 +12,8 @@
 TEST(Libraries, KeepNoFilesAndLeaveTheLocaleAlone)
 {
     const auto folder = std::filesystem::path(testing::TempDir()) / "kep-snmp-persistent";
-    ASSERT_EQ(setenv("SNMP_PERSISTENT_DIR", folder.c_str(), 1), 0);
-    ASSERT_EQ(setenv("LC_ALL", "C.UTF-8", 1), 0);
+    TestSupport::setVariable("SNMP_PERSISTENT_DIR", folder.string());
+    TestSupport::setVariable("LC_ALL", "C.UTF-8");
     const std::string locale = std::setlocale(LC_ALL, nullptr);
     Kep::Snmp::V3Engine::get();
     EXPECT_FALSE(std::filesystem::exists(folder));

@@ -3,10 +3,14 @@
 
 #include "Ber.h"
 #include "Kep/Mutex.h"
+#include "tests/unit/support/TestSocket.h"
 
 #include <atomic>
 #include <functional>
 #include <thread>
+
+using TestSupport::Place;
+using TestSupport::TestSocket;
 
 /// A datagram, and where it comes from.
 struct Answer {
@@ -29,7 +33,7 @@ public:
     ScriptedAgent(const ScriptedAgent&) = delete;
     ScriptedAgent& operator=(const ScriptedAgent&) = delete;
 
-    std::uint16_t port() const { return port_; }
+    std::uint16_t port() const { return socket_.port(); }
     std::vector<Ber::Bytes> requests() const;
 
 private:
@@ -37,8 +41,7 @@ private:
     std::size_t note(const Ber::Bytes& request);
 
     const Script script_;
-    int socket_;
-    std::uint16_t port_ = 0;
+    const TestSocket socket_;
     std::atomic<bool> stop_ = false;
     mutable Kep::Mutex mutex_;
     std::vector<Ber::Bytes> requests_ KEP_GUARDED_BY(mutex_);
@@ -46,19 +49,7 @@ private:
 };
 
 /// A UDP port of 127.0.0.1 that takes everything and says nothing.
-class SilentPort {
-public:
-    SilentPort();
-    ~SilentPort();
-    SilentPort(const SilentPort&) = delete;
-    SilentPort& operator=(const SilentPort&) = delete;
-
-    std::uint16_t port() const { return port_; }
-
-private:
-    int socket_;
-    std::uint16_t port_ = 0;
-};
+using SilentPort = TestSocket;
 
 /// A UDP port of 127.0.0.1 that nobody listens on.
 std::uint16_t closedPort();

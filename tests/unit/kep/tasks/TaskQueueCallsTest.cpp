@@ -1,6 +1,6 @@
 #include "tests/unit/kep/tasks/QueueFixture.h"
 
-#include "tasks/CurrentCall.h"
+#include "base/CurrentCall.h"
 
 namespace {
 
@@ -177,6 +177,80 @@ TEST_F(TaskQueueCalls, ManyCallsLeaveNothingBehind)
     waitForAll();
     EXPECT_EQ(queue_->figures().calls, 0U);
     EXPECT_EQ(queue_->workOf(500).queued + queue_->workOf(500).running, 0U);
+}
+
+TEST_F(TaskQueueCalls, WaitingEndsWithTheLastFinishCallbackOfTheCall)
+{
+    limit_ = 3;
+    block();
+    under(5, [this] {
+        submit([] { return true; }, [this](auto&) { secondGate_.pass(); });
+        submitLogged("early");
+    });
+    std::thread waiter([this] {
+        queue_->waitForWork(5);
+        log_.add("waited");
+    });
+    ASSERT_TRUE(eventually([this] { return secondGate_.waiting() == 1 && log_.events().size() == 1; }));
+    EXPECT_EQ(log_.events(), std::vector<std::string>{"early ran"});
+    secondGate_.open();
+    waiter.join();
+    EXPECT_EQ(log_.events(), (std::vector<std::string>{"early ran", "waited"})) << "work of no call is not waited for";
+    gate_.open();
+}
+
+TEST_F(TaskQueueCalls, WaitingFollowsWhatTasksSubmit)
+{
+    under(5, [this] {
+        submit([this] {
+            gate_.pass();
+            submitLogged("child");
+            return true;
+        });
+    });
+    std::thread opener([this] {
+        EXPECT_TRUE(eventually([this] { return gate_.waiting() == 1; }));
+        gate_.open();
+    });
+    queue_->waitForWork(5);
+    EXPECT_EQ(log_.events(), std::vector<std::string>{"child ran"});
+    opener.join();
+}
+
+TEST_F(TaskQueueCalls, WaitingForNoWorkReturnsAtOnce)
+{
+    block();
+    queue_->waitForWork(12345);
+    under(5, [this] { queue_->waitForWork(5); });
+    gate_.open();
+}
+
+TEST_F(TaskQueueCalls, WaitingBringsTheThreadsThatTheQueueCouldNotHave)
+{
+    threads_.granted = 0;
+    makeQueue(1);
+    under(5, [this] { submitLogged("a"); });
+    std::thread grantor([this, asked = threads_.asked.load()] {
+        EXPECT_TRUE(eventually([&] { return threads_.asked > asked; }));
+        threads_.granted = 10;
+    });
+    queue_->waitForWork(5);
+    EXPECT_EQ(log_.events(), std::vector<std::string>{"a ran"});
+    grantor.join();
+}
+
+TEST_F(TaskQueueCalls, ACallHasEndedWhenItHasReturnedAndItsWorkIsDone)
+{
+    block();
+    under(5, [this] {
+        EXPECT_FALSE(queue_->hasEnded(5));
+        submitLogged("a");
+    });
+    EXPECT_FALSE(queue_->hasEnded(5));
+    gate_.open();
+    queue_->waitForWork(5);
+    EXPECT_TRUE(queue_->hasEnded(5));
+    EXPECT_TRUE(queue_->hasEnded(12345));
 }
 
 TEST_F(TaskQueueCalls, WorkIsCountedUntilTheFinishCallbackHasReturned)

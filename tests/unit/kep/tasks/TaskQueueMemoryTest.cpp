@@ -1,6 +1,6 @@
 #include "tests/unit/kep/tasks/QueueFixture.h"
 
-#include "tasks/CurrentCall.h"
+#include "base/CurrentCall.h"
 #include "tests/unit/kep/tasks/FailingMemory.h"
 
 #include <new>

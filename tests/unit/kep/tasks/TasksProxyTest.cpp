@@ -1,14 +1,11 @@
 #include "Kep/Platform/Proxy/Tasks.h"
 
 #include "Kep/Exception.h"
-#include "tasks/CurrentCall.h"
-#include "tasks/DescriptorLimit.h"
+#include "base/CurrentCall.h"
 #include "tasks/ServiceCaller.h"
 #include "tests/unit/kep/tasks/QueueFixture.h"
 
 #include <set>
-
-#include <sys/resource.h>
 
 namespace {
 
@@ -87,17 +84,6 @@ TEST_F(TasksProxy, AHostFollowsAndWithdrawsTheWorkOfACall)
     gate.open();
     EXPECT_TRUE(eventually([&] { return withdrawn == 1; }));
     EXPECT_TRUE(eventually([id] { return Kep::Host::workOf(id).running == 0; }));
-}
-
-TEST(DescriptorLimit, IsRaisedAsFarAsTheProcessMay)
-{
-    rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-    limit.rlim_cur = limit.rlim_max / 2;
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
-    Kep::raiseDescriptorLimit();
-    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
-    EXPECT_EQ(limit.rlim_cur, limit.rlim_max);
 }
 
 } // namespace

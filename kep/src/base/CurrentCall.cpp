@@ -1,4 +1,4 @@
-#include "tasks/CurrentCall.h"
+#include "base/CurrentCall.h"
 
 #include <utility>
 

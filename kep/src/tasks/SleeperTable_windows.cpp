@@ -1,0 +1,8 @@
+#include "tasks/SleeperTable.h"
+
+namespace Kep {
+
+// The system need not be told.
+void makeRoomForSleepers() noexcept {}
+
+} // namespace Kep
