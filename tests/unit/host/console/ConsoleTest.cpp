@@ -115,11 +115,17 @@ protected:
         return id;
     }
 
-    /// A run that goes on until it is stopped.
+    /// A run that has begun and goes on until it is stopped.
     std::string endlessRun()
     {
         plugin.replyOnly("getStatus", status(1, 2, ""));
-        return start();
+        std::string id = start();
+        for (int i = 0; i < 3000; ++i) {
+            if (document("/api/runs/" + id).at("step") == 1)
+                return id;
+            std::this_thread::sleep_for(10ms);
+        }
+        throw std::runtime_error("the run does not begin");
     }
 
     static std::string errorCode(const TestResponse& response)
