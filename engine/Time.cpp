@@ -12,23 +12,31 @@ using std::chrono::nanoseconds;
 
 constexpr std::int64_t pollInterval = 2'000'000'000;
 
+// Not all systems sleep to the end.
+template <typename TimePoint>
+void sleepUntil(TimePoint deadline) noexcept
+{
+    while (TimePoint::clock::now() < deadline)
+        std::this_thread::sleep_until(deadline);
+}
+
 } // namespace
 
 void sleepWhileDraining() noexcept
 {
-    std::this_thread::sleep_until(std::chrono::high_resolution_clock::now() + std::chrono::milliseconds(200));
+    sleepUntil(std::chrono::high_resolution_clock::now() + std::chrono::milliseconds(200));
 }
 
 void sleepBeforeRetry() noexcept
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(1000));
+    sleepUntil(std::chrono::steady_clock::now() + std::chrono::milliseconds(1000));
 }
 
 void sleepBetweenPolls() noexcept
 {
     const nanoseconds now = std::chrono::steady_clock::now().time_since_epoch();
     const nanoseconds deadline(saturatingDeadline(now.count(), pollInterval));
-    std::this_thread::sleep_until(std::chrono::steady_clock::time_point(deadline));
+    sleepUntil(std::chrono::steady_clock::time_point(deadline));
 }
 
 } // namespace PrinterDiscoveryPlugin::Time

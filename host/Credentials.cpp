@@ -2,6 +2,7 @@
 
 #include "host/DisplayText.h"
 #include "host/Errors.h"
+#include "host/PrivateFile.h"
 
 #include <algorithm>
 #include <cctype>
@@ -209,8 +210,8 @@ private:
 
     std::string secret(const Given& given) const
     {
-        if (given.exposed)
-            refuse(given.by + ": others than the owner of this file have access to it; chmod 600 mends that");
+        if (!given.sharedFile.empty())
+            refuse(given.by + ": " + sharedFileText(given.sharedFile));
         return given.value;
     }
 

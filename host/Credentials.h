@@ -11,8 +11,9 @@ namespace Host {
 /// A value as it was written.
 struct Given {
     std::string value;
-    std::string by;       ///< what gave it, for messages: "-a", or "defAuthType of /etc/snmp/snmp.conf"
-    bool exposed = false; ///< a secret from a file to which others have access; it is refused where it is used
+    std::string by; ///< what gave it, for messages: "-a", or "defAuthType of /etc/snmp/snmp.conf"
+    std::string sharedFile =
+        {}; ///< of a secret: the file it is from if others have access to that; it is not used then
 };
 
 struct Credentials {

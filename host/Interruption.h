@@ -27,6 +27,10 @@ public:
 
     /// Waits until standard input has bytes and puts them in `bytes`; `End` also when it cannot be read.
     Input readInput(std::string& bytes);
+
+private:
+    /// Until there is such a wish, at most that long.
+    void waitForWish(std::chrono::milliseconds time);
 };
 
 } // namespace Host

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <csignal>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -75,32 +74,15 @@ Interruption::~Interruption()
         close(std::exchange(descriptor, -1));
 }
 
-std::chrono::steady_clock::time_point Interruption::now()
-{
-    return std::chrono::steady_clock::now();
-}
-
 bool Interruption::interrupted()
 {
     return g_interrupted;
 }
 
-bool Interruption::sleep(std::chrono::milliseconds time)
+void Interruption::waitForWish(std::chrono::milliseconds time)
 {
-    const auto deadline = now() + time;
-    while (!g_interrupted) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - now());
-        if (left.count() <= 0)
-            return true;
-        pollfd wake{g_pipe[0], POLLIN, 0};
-        pollFor(&wake, 1, left);
-    }
-    return false;
-}
-
-void Interruption::rest(std::chrono::milliseconds time)
-{
-    std::this_thread::sleep_for(time);
+    pollfd wake{g_pipe[0], POLLIN, 0};
+    pollFor(&wake, 1, time);
 }
 
 Interruption::Input Interruption::readInput(std::string& bytes)

@@ -117,31 +117,14 @@ Interruption::~Interruption()
     SetConsoleCtrlHandler(onControl, FALSE);
 }
 
-std::chrono::steady_clock::time_point Interruption::now()
-{
-    return std::chrono::steady_clock::now();
-}
-
 bool Interruption::interrupted()
 {
     return g_interrupted;
 }
 
-bool Interruption::sleep(std::chrono::milliseconds time)
+void Interruption::waitForWish(std::chrono::milliseconds time)
 {
-    const auto deadline = now() + time;
-    while (!g_interrupted) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - now());
-        if (left.count() <= 0)
-            return true;
-        WaitForSingleObject(g_wake, milliseconds(left));
-    }
-    return false;
-}
-
-void Interruption::rest(std::chrono::milliseconds time)
-{
-    std::this_thread::sleep_for(time);
+    WaitForSingleObject(g_wake, milliseconds(time));
 }
 
 Interruption::Input Interruption::readInput(std::string& bytes)

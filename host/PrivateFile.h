@@ -14,4 +14,7 @@ std::string readPrivateFile(const std::string& path, const std::string& option, 
 /// Whether the permissions of the file at `path` let anyone but the owner read or write it; false when there is none.
 bool isSharedFile(const std::string& path);
 
+/// What to tell of such a file, with the command that mends it.
+std::string sharedFileText(const std::string& path);
+
 } // namespace Host

@@ -50,7 +50,7 @@ std::string readPrivateFile(const std::string& path, const std::string& option, 
     if (file.get() < 0 || fstat(file.get(), &status) != 0)
         refuse(path, option, errno);
     if (isShared(status))
-        throw UsageError(option + ": others than the owner of " + path + " have access to it; chmod 600 mends that");
+        throw UsageError(option + ": " + sharedFileText(path));
     std::string content;
     content.resize(most);
     std::size_t length = 0;
@@ -70,6 +70,11 @@ bool isSharedFile(const std::string& path)
 {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 && isShared(status);
+}
+
+std::string sharedFileText(const std::string& path)
+{
+    return "others than the owner of " + path + " have access to it; chmod 600 mends that";
 }
 
 } // namespace Host

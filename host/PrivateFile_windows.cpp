@@ -93,8 +93,7 @@ std::string readPrivateFile(const std::string& path, const std::string& option, 
     if (!shared)
         refuse(path, option, GetLastError());
     if (*shared)
-        throw UsageError(option + ": others than the owner of " + path + " have access to it; icacls \"" + path +
-                         "\" /inheritance:r /grant:r \"%USERNAME%:F\" mends that");
+        throw UsageError(option + ": " + sharedFileText(path));
     std::string content(most, '\0');
     std::size_t length = 0;
     for (DWORD count = 1; count > 0 && length < most; length += count)
@@ -111,6 +110,12 @@ bool isSharedFile(const std::string& path)
         return false;
     const File file(handle);
     return isShared(handle).value_or(false);
+}
+
+std::string sharedFileText(const std::string& path)
+{
+    return "others than the owner of " + path + " have access to it; icacls \"" + path +
+           "\" /inheritance:r /grant:r \"%USERNAME%:F\" mends that";
 }
 
 } // namespace Host

@@ -109,11 +109,11 @@ private:
 };
 
 /// The community "public" is none that could be kept secret.
-void markExposed(Credentials& credentials)
+void markExposed(Credentials& credentials, const std::string& path)
 {
     for (auto member : {&Credentials::community, &Credentials::authPassword, &Credentials::privPassword})
-        if (auto& secret = credentials.*member)
-            secret->exposed = secret->value != "public";
+        if (auto& secret = credentials.*member; secret && secret->value != "public")
+            secret->sharedFile = path;
 }
 
 Credentials read(const std::string& path)
@@ -121,7 +121,7 @@ Credentials read(const std::string& path)
     try {
         Credentials credentials = parseSnmpConf(readTextFile(path, "snmp.conf"), path);
         if (isSharedFile(path))
-            markExposed(credentials);
+            markExposed(credentials, path);
         return credentials;
     } catch (const UsageError&) {
         return {};

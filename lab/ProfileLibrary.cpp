@@ -27,7 +27,7 @@ ProfileLibrary readProfiles(const std::string& folder)
         if (entry.path().extension() != ".snmprec")
             continue;
         const std::string name = entry.path().stem().string();
-        const std::string file = entry.path().string();
+        const std::string file = folder + "/" + entry.path().filename().string();
         library.emplace(name, readSnmprec(name, file, readFile(file)));
     }
     if (error)

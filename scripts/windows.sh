@@ -22,6 +22,8 @@ with_wine() {
     /usr/lib/wine/wineserver -k || true # what an earlier run may have left, if it was cut short
     /usr/lib/wine/wineserver -w
     /usr/lib/wine/wineserver -p
+    # The first program starts services that keep its output open; whoever waits for the end of that waits for them.
+    scripts/wine.sh "$PWD/build-windows" cmd /c exit >/dev/null 2>&1
     "$@" || status=$?
     /usr/lib/wine/wineserver -k || true
     return $status

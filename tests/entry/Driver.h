@@ -31,6 +31,9 @@ int driverIsLoaded(const char* path);
 /* Calls an operation of the service "PrinterDiscovery" with NUL-terminated texts. The reply is to be released. */
 char* driverCall(const Driver* driver, const char* operation, const char* params, size_t* size);
 
+/* Sleeps that long. */
+void driverSleep(unsigned milliseconds);
+
 #ifdef __cplusplus
 }
 #endif

@@ -5,6 +5,7 @@
 #include <dlfcn.h>
 #include <stdio.h>
 #include <string.h>
+#include <time.h>
 
 /* C has no conversion between pointers to objects and to functions, so the bytes are copied. */
 static int find(void* handle, const char* name, void* function, size_t size)
@@ -54,4 +55,10 @@ int driverIsLoaded(const char* path)
         return 0;
     dlclose(handle);
     return 1;
+}
+
+void driverSleep(unsigned milliseconds)
+{
+    const struct timespec time = {.tv_sec = milliseconds / 1000, .tv_nsec = milliseconds % 1000 * 1000000L};
+    nanosleep(&time, NULL);
 }

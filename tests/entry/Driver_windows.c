@@ -56,3 +56,8 @@ int driverIsLoaded(const char* path)
     const char* name = strrchr(path, '/');
     return GetModuleHandleA(name == NULL ? path : name + 1) != NULL;
 }
+
+void driverSleep(unsigned milliseconds)
+{
+    Sleep(milliseconds);
+}

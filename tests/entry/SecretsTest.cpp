@@ -1,6 +1,6 @@
 // Communities and passwords that requests carry stay inside: out of replies, standard error and the data store.
 #include "entry/Host.h"
-#include "unit/kep/datastore/Privacy.h"
+#include "unit/support/Privacy.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 /*
  * A host that leaves in the middle of a run: usage: run-and-exit LIBRARY CONFIGURATION PARAMETERS
- * Loads the library, initialises it, starts the run of the cookie "c", waits for its first step, and exits with 0,
- * without deinit and without unloading.
+ * Loads the library, initialises it, starts the run of the cookie "c", waits for its first step, lets its other probes
+ * settle, and exits with 0, without deinit and without unloading.
  */
 #include "entry/Driver.h"
 
@@ -32,5 +32,6 @@ int main(int argc, char** argv)
         return 1;
     while (replies(&driver, "getStatus", "{\"cookie\":\"c\",\"firstIdx\":0}", "{\"step\":0,"))
         continue;
+    driverSleep(500); /* Wine hangs when a process ends while its threads begin */
     return 0;
 }

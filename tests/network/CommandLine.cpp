@@ -1,17 +1,13 @@
 /// What people write on the command line, against real agents: several credentials, defaults from the tools'
 /// configuration, the networks of the machine, comparison with an earlier run.
-#include "tests/network/Devices.h"
-#include "tests/network/harness/Loopback.h"
-#include "tests/network/harness/Program.h"
+#include "tests/network/AgentNetwork.h"
 #include "tests/network/harness/Rights.h"
-#include "tests/network/harness/Snmpd.h"
 #include "tests/network/harness/TestNetwork.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,23 +18,10 @@ using testing::HasSubstr;
 
 namespace {
 
-/// Agents on the addresses of a network of this test's own, and sweeps of the first nine of them.
-class CommandLine : public testing::Test {
+/// Agents, sweeps of all their addresses, and files.
+class CommandLine : public AgentNetwork {
 protected:
-    void start(int lastOctet, const Device& device, const SnmpProfile& profile)
-    {
-        agents_[lastOctet] =
-            std::make_unique<Snmpd>(Endpoint{ownAddress(lastOctet), port_}, device.data, std::vector{profile});
-    }
-
-    void stop(int lastOctet) { agents_.erase(lastOctet); }
-
-    Sweep sweepWith(const std::vector<std::string>& options) const
-    {
-        Sweep sweep{.arguments = {ownNetwork() + ".1-9", "--port", std::to_string(port_), "-t", "2", "-r", "1"}};
-        sweep.arguments.insert(sweep.arguments.end(), options.begin(), options.end());
-        return sweep;
-    }
+    Sweep sweepWith(const std::vector<std::string>& options) const { return sweepOf(ownNetwork() + ".1-9", options); }
 
     /// A file that its owner alone may read.
     std::string secretFile(const std::string& name, const std::string& content)
@@ -52,8 +35,6 @@ protected:
 
 private:
     TemporaryFolder folder_;
-    std::uint16_t port_ = freeUdpPort({ownAddress(1), ownAddress(2), ownAddress(3)});
-    std::map<int, std::unique_ptr<Snmpd>> agents_;
 };
 
 TEST_F(CommandLine, SeveralCredentialsFindWhatEachReaches)
@@ -61,8 +42,8 @@ TEST_F(CommandLine, SeveralCredentialsFindWhatEachReaches)
     const Device first = fullPrinter(ownAddress(1));
     const Device second = secondRowPrinter(ownAddress(2));
     const SnmpProfile user = v3("SHA", "AES");
-    start(1, first, v2c("first-floor"));
-    start(2, second, user);
+    start(1, first, {v2c("first-floor")});
+    start(2, second, {user});
     const std::string credentials =
         secretFile("credentials", "[first floor]\ncommunity = first-floor\n\n"
                                   "[second floor]\nuser = " +
@@ -76,7 +57,7 @@ TEST_F(CommandLine, DefaultsOfTheToolsReachAnAgentOfVersion3)
 {
     const Device printer = fullPrinter(ownAddress(1));
     const SnmpProfile user = v3("MD5", "DES");
-    start(1, printer, user);
+    start(1, printer, {user});
     const fs::path defaults = folder().write(
         ".snmp/snmp.conf", "defVersion 3\ndefSecurityName " + user.user +
                                "\ndefSecurityLevel authPriv\ndefAuthType MD5\ndefAuthPassphrase " + user.authPassword +
@@ -89,12 +70,12 @@ TEST_F(CommandLine, DefaultsOfTheToolsReachAnAgentOfVersion3)
 
 TEST_F(CommandLine, APrinterAtAnotherAddressHasMoved)
 {
-    start(1, fullPrinter(ownAddress(1)), v2c());
-    start(2, barePrinter(ownAddress(2)), v2c());
+    start(1, fullPrinter(ownAddress(1)), {v2c()});
+    start(2, barePrinter(ownAddress(2)), {v2c()});
     const fs::path before = folder().write("before.json", discover(sweepWith({})).dump());
     stop(1);
     stop(2);
-    start(3, fullPrinter(ownAddress(3)), v2c());
+    start(3, fullPrinter(ownAddress(3)), {v2c()});
     const Document diff = discover(sweepWith({"--diff", before})).at("diff");
     EXPECT_EQ(diff.at("moved"), Document::array({{{"from", ownAddress(1)}, {"to", ownAddress(3)}}}));
     EXPECT_EQ(diff.at("gone"), Document::array({barePrinter(ownAddress(2)).record}));

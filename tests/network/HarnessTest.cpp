@@ -114,7 +114,7 @@ TEST(TestNetworks, AnswerForTheNamesThatATestGives)
 
 TEST(Agents, AnswerWithEveryProfileTheyAreGivenAndNoOther)
 {
-    const Endpoint agent{ownAddress(1), freeUdpPort({ownAddress(1)})};
+    const Endpoint agent = freeEndpoint();
     std::vector<SnmpProfile> profiles = commonProfiles();
     profiles.push_back(v3("SHA", "AES-256"));
     const Snmpd snmpd(agent, fullPrinter(agent.address).data, profiles);
@@ -130,7 +130,7 @@ TEST(Agents, AnswerWithEveryProfileTheyAreGivenAndNoOther)
 
 TEST(Agents, HoldWhatTheyAreGiven)
 {
-    const Endpoint agent{ownAddress(1), freeUdpPort({ownAddress(1)})};
+    const Endpoint agent = freeEndpoint();
     const Snmpd snmpd(agent, secondRowPrinter(agent.address).data, {v2c()});
     EXPECT_EQ(getWithTool(agent, v2c(), ".1.3.6.1.2.1.25.3.2.1.2.2"), "OID: .1.3.6.1.2.1.25.3.1.5");
     EXPECT_EQ(getWithTool(agent, v2c(), ".1.3.6.1.2.1.25.3.2.1.3.1"), "STRING: \"Second Row\"");

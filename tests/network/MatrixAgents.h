@@ -1,23 +1,9 @@
 /// Agents of two makes that are not ours, set up alike: the same users, the same objects.
 #pragma once
 
-#include "Kep/Snmp/Profile.h"
-#include "tests/network/harness/SnmpProfile.h"
-
-#include <memory>
+#include "tests/network/AgentUsers.h"
 
 namespace NetworkTests {
-
-/// A user of version 3: what the agents are told of it, and the codes that a profile has for its protocols.
-struct MatrixUser {
-    SnmpProfile settings;
-    std::int32_t auth = 1;
-    std::int32_t privacy = 1;
-};
-
-/// A user `name` with passwords of its own and protocols by the profiles' codes: 1 to 3 and, as far as agents have
-/// them, 1 to 24.
-MatrixUser matrixUser(const std::string& name, std::int32_t auth, std::int32_t privacy);
 
 /// An agent that holds the system group, knows the community "perch-4711" and the users that it is given.
 class MatrixAgent {
@@ -27,10 +13,9 @@ public:
     virtual std::string make() const = 0;
     virtual Endpoint endpoint() const = 0;
 
-    /// Its community, and the contexts that it knows.
+    /// Its community, and the context that it knows besides `secondContext`.
     virtual std::string community() const = 0;
     virtual std::string context() const = 0;
-    virtual std::string secondContext() const = 0;
 
     /// Ends and starts it, as the same engine or as another one.
     virtual void restart() = 0;
@@ -38,16 +23,17 @@ public:
 
     /// sysName in `context` and in `secondContext`.
     static constexpr const char* name = "matrix agent";
+    static constexpr const char* secondContext = "second";
     static constexpr const char* secondName = "second context";
 };
 
 /// net-snmp's agent. Its second context is served by another agent, for which it is the proxy.
-std::unique_ptr<MatrixAgent> matrixSnmpd(const std::vector<MatrixUser>& users);
+std::unique_ptr<MatrixAgent> matrixSnmpd(const std::vector<AgentUser>& users);
 
 /// The simulator. A context is a file of its own.
-std::unique_ptr<MatrixAgent> matrixSimulator(const std::vector<MatrixUser>& users);
+std::unique_ptr<MatrixAgent> matrixSimulator(const std::vector<AgentUser>& users);
 
 /// What a session needs to be that user at the agent.
-std::shared_ptr<Kep::Snmp::ProfileV3> profileAt(const MatrixAgent& agent, const MatrixUser& user);
+std::shared_ptr<Kep::Snmp::ProfileV3> profileAt(const MatrixAgent& agent, const AgentUser& user);
 
 } // namespace NetworkTests

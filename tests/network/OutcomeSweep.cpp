@@ -105,7 +105,10 @@ TEST_F(OutcomeSweep, TellsWhereThePortIsClosed)
 /// An agent of another make that demands authentication and privacy.
 class OutcomesOfVersion3 : public OutcomeSweep {
 protected:
-    std::vector<std::string> as(const SnmpProfile& profile) const { return own("1", port_, profile.options()); }
+    std::vector<std::string> as(const SnmpProfile& profile) const
+    {
+        return own("1", agent_.endpoint().port, profile.options());
+    }
 
     std::string outcomeOf(const SnmpProfile& profile)
     {
@@ -114,9 +117,8 @@ protected:
         return read.size() == 1 ? read.front().second : "";
     }
 
-    const std::uint16_t port_ = freeUdpPort({ownAddress(1)});
     const SnmpProfile user_ = v3("SHA", "AES");
-    const Snmpd agent_{{ownAddress(1), port_}, fullPrinter(ownAddress(1)).data, {user_}};
+    const Snmpd agent_{freeEndpoint(), fullPrinter(ownAddress(1)).data, {user_}};
 };
 
 TEST_F(OutcomesOfVersion3, NameWhatIsWrongWithTheCredentials)

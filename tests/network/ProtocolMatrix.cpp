@@ -20,8 +20,6 @@ using testing::Not;
 
 namespace {
 
-constexpr const char* sysName = ".1.3.6.1.2.1.1.5.0";
-constexpr const char* systemGroup = ".1.3.6.1.2.1.1.";
 constexpr const char* wrongPassword = "not the password";
 
 /// The names that a request has for the codes.
@@ -130,41 +128,41 @@ std::vector<Combination> combinations()
     return all;
 }
 
-MatrixUser userOf(const Combination& combination)
+AgentUser userOf(const Combination& combination)
 {
-    return matrixUser("U" + std::to_string(combination.auth) + "x" + std::to_string(combination.privacy),
-                      combination.auth, combination.privacy);
+    return agentUser("U" + std::to_string(combination.auth) + "x" + std::to_string(combination.privacy),
+                     combination.auth, combination.privacy);
 }
 
-MatrixUser userOf(const Mistake& mistake)
+AgentUser userOf(const Mistake& mistake)
 {
     const auto number = &mistake - mistakes.data();
-    return matrixUser("Mistaken" + std::to_string(number), mistake.auth, mistake.privacy);
+    return agentUser("Mistaken" + std::to_string(number), mistake.auth, mistake.privacy);
 }
 
 const Combination eventful{3, 4};
 
-MatrixUser userOfEvent(const std::string& name)
+AgentUser userOfEvent(const std::string& name)
 {
-    return matrixUser(name, eventful.auth, eventful.privacy);
+    return agentUser(name, eventful.auth, eventful.privacy);
 }
 
-bool agentsHave(const MatrixUser& user)
+bool agentsHave(const AgentUser& user)
 {
     return user.privacy == 1 || !user.settings.privacyProtocol.empty();
 }
 
-std::vector<MatrixUser> everyUser()
+std::vector<AgentUser> everyUser()
 {
-    std::vector<MatrixUser> users = {userOfEvent("Contextual"), userOfEvent("Late"), userOfEvent("Rebooted"),
-                                     userOfEvent("Replaced"), userOfEvent("Misled")};
+    std::vector<AgentUser> users = {userOfEvent("Contextual"), userOfEvent("Late"), userOfEvent("Rebooted"),
+                                    userOfEvent("Replaced"), userOfEvent("Misled")};
     for (const Combination& combination : combinations()) {
         users.push_back(userOf(combination));
     }
     for (const Mistake& mistake : mistakes) {
         users.push_back(userOf(mistake));
     }
-    std::erase_if(users, [](const MatrixUser& user) { return !agentsHave(user); });
+    std::erase_if(users, [](const AgentUser& user) { return !agentsHave(user); });
     return users;
 }
 
@@ -192,41 +190,19 @@ protected:
 
     std::shared_ptr<Session> opened(const std::shared_ptr<Profile>& profile) const
     {
-        auto session = newSession(profile);
-        session->open(agent_.endpoint().address);
-        return session;
-    }
-
-    static std::string nameSeenBy(Session& session)
-    {
-        Kep::Variant value;
-        session.get(sysName, value);
-        return std::string(value);
-    }
-
-    static int walk(Session& session)
-    {
-        std::string current = systemGroup;
-        current.pop_back();
-        Kep::Variant value;
-        for (int objects = 0;; ++objects) {
-            session.getNext(current, current, value);
-            if (!current.starts_with(systemGroup)) {
-                return objects;
-            }
-        }
+        return openSession(profile, agent_.endpoint().address);
     }
 
     void expectWorking(const std::shared_ptr<Profile>& profile) const
     {
         const auto session = opened(profile);
-        EXPECT_EQ(nameSeenBy(*session), MatrixAgent::name);
-        EXPECT_GE(walk(*session), 6);
+        EXPECT_EQ(systemName(*session), MatrixAgent::name);
+        EXPECT_GE(walkSystem(*session), 6);
     }
 
     std::string problemWith(const std::shared_ptr<Profile>& profile) const
     {
-        return problemOf([&] { nameSeenBy(*opened(profile)); });
+        return problemOf([&] { systemName(*opened(profile)); });
     }
 
     /// For the document. What tells one run from another is left out of `result`.
@@ -306,7 +282,7 @@ TEST_P(Communities, ThatAreWrongMeetSilence)
 
 TEST_P(Protocols, WorkOrAreNotOffered)
 {
-    const MatrixUser user = userOf(its());
+    const AgentUser user = userOf(its());
     const auto profile = profileAt(agent_, user);
     const std::string row = "version 3, " + authNames.at(its().auth) + ", " + privacyNames.at(its().privacy);
     if (agentsHave(user)) {
@@ -322,7 +298,7 @@ TEST_P(Protocols, WorkOrAreNotOffered)
 TEST_P(Mistakes, AreNamed)
 {
     const Mistake& mistake = mistakes.at(its());
-    const MatrixUser user = userOf(mistake);
+    const AgentUser user = userOf(mistake);
     const auto profile = profileAt(agent_, user);
     mistake.edit(*profile);
     std::string said;
@@ -342,18 +318,18 @@ TEST_P(Mistakes, AreNamed)
 TEST_P(Events, OfAnotherContextReachIt)
 {
     const auto profile = profileAt(agent_, userOfEvent("Contextual"));
-    profile->context = agent_.secondContext();
-    EXPECT_EQ(nameSeenBy(*opened(profile)), MatrixAgent::secondName);
+    profile->context = MatrixAgent::secondContext;
+    EXPECT_EQ(systemName(*opened(profile)), MatrixAgent::secondName);
     recordWorking(events, "another context");
 }
 
 TEST_P(Events, OfARebootAreFollowed)
 {
     const auto session = opened(profileAt(agent_, userOfEvent("Rebooted")));
-    EXPECT_EQ(nameSeenBy(*session), MatrixAgent::name);
+    EXPECT_EQ(systemName(*session), MatrixAgent::name);
     for (int reboot = 0; reboot < 2; ++reboot) {
         agent_.restart();
-        EXPECT_EQ(nameSeenBy(*session), MatrixAgent::name);
+        EXPECT_EQ(systemName(*session), MatrixAgent::name);
     }
     recordWorking(events, "reboot in mid-run, the same engine");
 }
@@ -362,12 +338,12 @@ TEST_P(Events, OfARebootAsAnotherEngineEndTheSession)
 {
     const auto profile = profileAt(agent_, userOfEvent("Replaced"));
     const auto session = opened(profile);
-    EXPECT_EQ(nameSeenBy(*session), MatrixAgent::name);
+    EXPECT_EQ(systemName(*session), MatrixAgent::name);
     agent_.replace();
     std::string said;
     {
         const Brief brief;
-        said = problemOf([&] { nameSeenBy(*session); });
+        said = problemOf([&] { systemName(*session); });
     }
     EXPECT_TRUE(isAmong(said, {"unknown engine ID"})) << said;
     expectWorking(profile);
@@ -414,7 +390,7 @@ TEST_P(Events, OfAClockOutOfTheWindowAreFollowed)
     auto profile = profileAt(agent_, userOfEvent("Late"));
     profile->port = misleading.port();
     const auto session = openSession(profile);
-    EXPECT_EQ(nameSeenBy(*session), MatrixAgent::name);
+    EXPECT_EQ(systemName(*session), MatrixAgent::name);
     EXPECT_EQ(misleading.requests(), 3U) << "discovery, the request out of the window, and the right one";
     recordWorking(events, "clock out of the window");
 }
@@ -425,7 +401,7 @@ TEST_P(Events, OfAnEngineThatTheAgentIsNotEndTheSession)
     auto profile = profileAt(agent_, userOfEvent("Misled"));
     profile->port = misleading.port();
     const Brief brief;
-    const std::string said = problemOf([&] { nameSeenBy(*openSession(profile)); });
+    const std::string said = problemOf([&] { systemName(*openSession(profile)); });
     EXPECT_TRUE(isAmong(said, {"unknown engine ID"})) << said;
     EXPECT_EQ(misleading.requests(), 2U);
     record(events, "an engine that the agent is not", said.substr(said.find(": ") + 2));

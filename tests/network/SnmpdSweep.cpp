@@ -1,30 +1,20 @@
 /// Sweeps of net-snmp's agent, over every version and the protocols that it and the engine have in common.
-#include "tests/network/Devices.h"
-#include "tests/network/harness/Loopback.h"
-#include "tests/network/harness/Program.h"
-#include "tests/network/harness/Snmpd.h"
-
-#include <gtest/gtest.h>
+#include "tests/network/AgentNetwork.h"
 
 #include <functional>
-#include <memory>
 
 using namespace NetworkTests;
 
 namespace {
 
-/// A network of agents on the addresses from ownAddress(1) on, and sweeps over it.
-class AgentNetwork : public testing::Test {
+/// Agents on one address after the other, and sweeps with one profile.
+class SnmpdSweeps : public AgentNetwork {
 protected:
     /// Starts an agent at the next address.
     void start(const std::function<Device(const std::string&)>& make, const std::vector<SnmpProfile>& profiles)
     {
-        const std::string address = ownAddress(static_cast<int>(agents_.size()) + 1);
-        const Device device = make(address);
-        agents_.push_back(std::make_unique<Snmpd>(Endpoint{address, port_}, device.data, profiles));
-        if (!device.record.is_null()) {
-            printers_.push_back(device.record);
-        }
+        const int next = agentCount() + 1;
+        AgentNetwork::start(next, make(ownAddress(next)), profiles);
     }
 
     void startAllKinds(const std::vector<SnmpProfile>& profiles)
@@ -38,31 +28,20 @@ protected:
         start(printerInColumn20, profiles);
     }
 
-    Sweep sweepOf(const std::string& target, const SnmpProfile& profile, bool withPasswords = true) const
+    static std::string everyAddress() { return ownNetwork() + ".1-" + ownNetwork() + ".9"; }
+
+    Sweep sweepAs(const SnmpProfile& profile, const std::string& target = everyAddress()) const
     {
-        Sweep sweep{.arguments = {target, "--port", std::to_string(port_), "-t", "2", "-r", "1"}};
-        const std::vector<std::string> options = profile.options(withPasswords);
-        sweep.arguments.insert(sweep.arguments.end(), options.begin(), options.end());
-        return sweep;
+        return sweepOf(target, profile.options());
     }
 
-    Document foundWith(const SnmpProfile& profile) const
-    {
-        return discover(sweepOf(ownNetwork() + ".1-" + ownNetwork() + ".9", profile));
-    }
+    Document foundWith(const SnmpProfile& profile) const { return discover(sweepAs(profile)); }
 
     Document nothing() const { return finishedSweep(9, {}); }
-    Document everyPrinter() const { return finishedSweep(9, printers_); }
-    const std::vector<Document>& printers() const { return printers_; }
-
-private:
-    std::uint16_t port_ = freeUdpPort({ownAddress(1), ownAddress(2), ownAddress(3), ownAddress(4), ownAddress(5),
-                                       ownAddress(6), ownAddress(7), ownAddress(8), ownAddress(9)});
-    std::vector<std::unique_ptr<Snmpd>> agents_;
-    std::vector<Document> printers_;
+    Document everyPrinter() const { return finishedSweep(9, printers()); }
 };
 
-class SnmpdSweep : public AgentNetwork, public testing::WithParamInterface<SnmpProfile> {};
+class SnmpdSweep : public SnmpdSweeps, public testing::WithParamInterface<SnmpProfile> {};
 
 TEST_P(SnmpdSweep, FindsExactlyThePrintersWithAllTheirFields)
 {
@@ -81,8 +60,6 @@ std::vector<SnmpProfile> agentProfiles()
 }
 
 INSTANTIATE_TEST_SUITE_P(Profiles, SnmpdSweep, testing::ValuesIn(agentProfiles()), testing::PrintToStringParamName());
-
-using SnmpdSweeps = AgentNetwork;
 
 TEST_F(SnmpdSweeps, WrongCommunityFindsNothingAndCountsEveryStep)
 {
@@ -131,7 +108,7 @@ TEST_F(SnmpdSweeps, PasswordsMayComeFromTheEnvironment)
 {
     const SnmpProfile profile = v3("SHA", "AES");
     start(fullPrinter, {profile});
-    Sweep sweep = sweepOf(ownAddress(1), profile, false);
+    Sweep sweep = sweepOf(ownAddress(1), profile.options(false));
     sweep.environment = {{"PRINTER_DISCOVERY_AUTH_PASSWORD", profile.authPassword},
                          {"PRINTER_DISCOVERY_PRIV_PASSWORD", profile.privacyPassword}};
     EXPECT_EQ(discover(sweep), finishedSweep(1, printers()));
@@ -140,7 +117,7 @@ TEST_F(SnmpdSweeps, PasswordsMayComeFromTheEnvironment)
 TEST_F(SnmpdSweeps, CommunityMayComeFromTheEnvironment)
 {
     start(fullPrinter, {v2c("between-us")});
-    Sweep sweep = sweepOf(ownAddress(1), v2c(""));
+    Sweep sweep = sweepAs(v2c(""), ownAddress(1));
     sweep.environment = {{"PRINTER_DISCOVERY_COMMUNITY", "between-us"}};
     EXPECT_EQ(discover(sweep), finishedSweep(1, printers()));
 }
@@ -159,7 +136,7 @@ TEST_F(SnmpdSweeps, ExcludedPrintersAreLeftOut)
     start(fullPrinter, {v2c()});
     start(secondRowPrinter, {v2c()});
     start(latin1Printer, {v2c()});
-    Sweep sweep = sweepOf(ownNetwork() + ".1-" + ownNetwork() + ".9", v2c());
+    Sweep sweep = sweepAs(v2c());
     sweep.arguments.insert(sweep.arguments.end(), {"--exclude", ownAddress(2)});
     EXPECT_EQ(discover(sweep), finishedSweep(8, {printers()[0], printers()[2]}));
 }
@@ -167,7 +144,7 @@ TEST_F(SnmpdSweeps, ExcludedPrintersAreLeftOut)
 TEST_F(SnmpdSweeps, WholeNetworkIsSweptButForItsFirstAndLastAddress)
 {
     start(fullPrinter, {v2c()});
-    EXPECT_EQ(discover(sweepOf(ownNetwork() + ".0/24", v2c())), finishedSweep(254, printers()));
+    EXPECT_EQ(discover(sweepAs(v2c(), ownNetwork() + ".0/24")), finishedSweep(254, printers()));
 }
 
 TEST_F(SnmpdSweeps, SeveralTargetsMakeOneSweep)
@@ -175,7 +152,7 @@ TEST_F(SnmpdSweeps, SeveralTargetsMakeOneSweep)
     start(fullPrinter, {v2c()});
     start(latin1Printer, {v2c()});
     start(barePrinter, {v2c()});
-    Sweep sweep = sweepOf(ownAddress(3), v2c());
+    Sweep sweep = sweepAs(v2c(), ownAddress(3));
     sweep.arguments.push_back(ownAddress(1));
     EXPECT_EQ(discover(sweep), finishedSweep(2, {printers()[0], printers()[2]}));
 }

@@ -1,13 +1,8 @@
 /// The operations as another program calls them, over standard streams, with real agents behind them.
-#include "tests/network/Devices.h"
-#include "tests/network/harness/Loopback.h"
+#include "tests/network/AgentNetwork.h"
 #include "tests/network/harness/RpcClient.h"
-#include "tests/network/harness/Snmpd.h"
 #include "tests/network/harness/WaitFor.h"
 
-#include <gtest/gtest.h>
-
-#include <memory>
 #include <stdexcept>
 
 using namespace NetworkTests;
@@ -18,23 +13,14 @@ constexpr int finished = 1;
 constexpr int running = 2;
 
 /// Three printers, a server and two silent addresses, and a client of the service.
-class StdioService : public testing::Test {
+class StdioService : public AgentNetwork {
 protected:
     void SetUp() override
     {
-        start(fullPrinter(ownAddress(1)), 1);
-        start(server(), 2);
-        start(secondRowPrinter(ownAddress(3)), 3);
-        start(latin1Printer(ownAddress(4)), 4);
-    }
-
-    void start(const Device& device, int lastOctet)
-    {
-        agents_.push_back(std::make_unique<Snmpd>(Endpoint{ownAddress(lastOctet), port_}, device.data,
-                                                  std::vector<SnmpProfile>{v2c()}));
-        if (!device.record.is_null()) {
-            printers_.push_back(device.record);
-        }
+        start(1, fullPrinter(ownAddress(1)), {v2c()});
+        start(2, server(), {v2c()});
+        start(3, secondRowPrinter(ownAddress(3)), {v2c()});
+        start(4, latin1Printer(ownAddress(4)), {v2c()});
     }
 
     /// The parameters of a start over the last octets `from` to `to`.
@@ -42,7 +28,7 @@ protected:
     {
         const Document range = {{"from", ownAddress(from)}, {"to", ownAddress(to)}};
         const Document profile = {
-            {"snmpVersion", 2}, {"snmpPort", port_}, {"communityRead", "public"}, {"communityWrite", ""}};
+            {"snmpVersion", 2}, {"snmpPort", port()}, {"communityRead", "public"}, {"communityWrite", ""}};
         const Document config = {{"usePing", false},         {"pingTimeout", 500},
                                  {"snmpTimeout", 500},       {"includeRanges", Document::array({range})},
                                  {"excludeRanges", nullptr}, {"snmpProfile", profile}};
@@ -86,13 +72,7 @@ protected:
         return statusDocument(0, 0, finished, cookie, Document::array());
     }
 
-    const std::string firstSilent = ownAddress(8);
-    const std::string secondSilent = ownAddress(9);
-    const std::uint16_t port_ =
-        freeUdpPort({ownAddress(1), ownAddress(2), ownAddress(3), ownAddress(4), firstSilent, secondSilent});
-    const SilentAddresses silence_{{firstSilent, secondSilent}, port_};
-    std::vector<std::unique_ptr<Snmpd>> agents_;
-    std::vector<Document> printers_;
+    const SilentAddresses silence_{{ownAddress(8), ownAddress(9)}, port()};
     RpcClient client_;
 };
 
@@ -104,7 +84,7 @@ TEST_F(StdioService, RunIsFollowedWithNewPrintersOnly)
     EXPECT_EQ(last.at("step"), 9);
     EXPECT_EQ(last.at("total"), 9);
     EXPECT_EQ(last.at("cookie"), "floor 2");
-    EXPECT_EQ(finishedSweep(9, found), finishedSweep(9, printers_));
+    EXPECT_EQ(finishedSweep(9, found), finishedSweep(9, printers()));
     EXPECT_EQ(status("floor 2", 0), unknown("floor 2"));
     EXPECT_EQ(client_.finish(), 0);
 }
@@ -133,7 +113,7 @@ TEST_F(StdioService, BlockingStartHoldsUpNoOtherCall)
     EXPECT_TRUE(client_.answerTo(start).contains("result"));
     std::vector<Document> found;
     EXPECT_EQ(follow("blocking", found).at("step"), 9);
-    EXPECT_EQ(finishedSweep(9, found), finishedSweep(9, printers_));
+    EXPECT_EQ(finishedSweep(9, found), finishedSweep(9, printers()));
 }
 
 TEST_F(StdioService, StopEndsABlockingStart)
@@ -153,8 +133,8 @@ TEST_F(StdioService, RunsSideBySideKeepTheirPrintersApart)
     std::vector<Document> second;
     EXPECT_EQ(follow("first", first).at("step"), 2);
     EXPECT_EQ(follow("second", second).at("step"), 2);
-    EXPECT_EQ(finishedSweep(2, first), finishedSweep(2, {printers_[0]}));
-    EXPECT_EQ(finishedSweep(2, second), finishedSweep(2, {printers_[1], printers_[2]}));
+    EXPECT_EQ(finishedSweep(2, first), finishedSweep(2, {printers()[0]}));
+    EXPECT_EQ(finishedSweep(2, second), finishedSweep(2, {printers()[1], printers()[2]}));
 }
 
 TEST_F(StdioService, UnknownOperationIsAnErrorWithThePluginsDocument)

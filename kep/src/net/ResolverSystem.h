@@ -1,4 +1,4 @@
-/// What a resolver needs of the system: sockets to wait for, and its form of a host's entry.
+/// What a resolver needs of the system: a wait for its sockets, and the system's form of a host's entry.
 ///
 /// Any thread, a channel by one at a time; no lock. Throws nothing.
 #pragma once
@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace Kep::Net {
@@ -18,8 +19,14 @@ void startReverseLookup(ares_channel channel, std::uint32_t address, ares_host_c
 /// The official name in an entry, which owns it; empty when it has none.
 std::string_view officialName(const hostent& host);
 
-/// Waits until one of the channel's sockets is ready, at most `timeout`, and has the channel process what there is,
-/// its time-outs included. Descriptors may be of any size.
-void processResolver(ares_channel channel, std::chrono::milliseconds timeout);
+struct ResolverSocket {
+    ares_socket_t handle;
+    bool read;  ///< whether to wait for it to be readable; after the wait, whether it is, or has failed
+    bool write; ///< the same of writing
+};
+
+/// Waits until one of the sockets, of which there are at most `ARES_GETSOCK_MAXNUM`, is ready, at most `timeout`.
+/// Descriptors may be of any size.
+void waitForSockets(std::span<ResolverSocket> sockets, std::chrono::milliseconds timeout);
 
 } // namespace Kep::Net

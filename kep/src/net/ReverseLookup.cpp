@@ -4,8 +4,11 @@
 #include "net/ResolverSystem.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <cstddef>
 #include <memory>
+#include <span>
 
 namespace Kep::Net {
 namespace {
@@ -77,6 +80,38 @@ milliseconds sleepOf(ares_channel channel, steady_clock::time_point deadline)
     return milliseconds(sleep->tv_sec * 1000 + (sleep->tv_usec + 999) / 1000);
 }
 
+using Sockets = std::array<ResolverSocket, ARES_GETSOCK_MAXNUM>;
+
+// What the channel waits for, a part of `sockets`.
+std::span<ResolverSocket> socketsOf(ares_channel channel, Sockets& sockets)
+{
+    std::array<ares_socket_t, ARES_GETSOCK_MAXNUM> handles{};
+    const auto wanted = static_cast<unsigned>(ares_getsock(channel, handles.data(), static_cast<int>(handles.size())));
+    std::size_t count = 0;
+    for (std::size_t index = 0; index < handles.size(); ++index) {
+        const bool read = ARES_GETSOCK_READABLE(wanted, index) != 0;
+        const bool write = ARES_GETSOCK_WRITABLE(wanted, index) != 0;
+        if (read || write) {
+            sockets[count++] = {handles[index], read, write};
+        }
+    }
+    return std::span(sockets).first(count);
+}
+
+// Waits at most that long for something to arrive, and has the channel process it and its time-outs.
+void process(ares_channel channel, milliseconds timeout)
+{
+    Sockets sockets{};
+    const auto waiting = socketsOf(channel, sockets);
+    waitForSockets(waiting, timeout);
+    for (const auto& [handle, read, write] : waiting) {
+        if (read || write) {
+            ares_process_fd(channel, read ? handle : ARES_SOCKET_BAD, write ? handle : ARES_SOCKET_BAD);
+        }
+    }
+    ares_process_fd(channel, ARES_SOCKET_BAD, ARES_SOCKET_BAD); // time-outs
+}
+
 } // namespace
 
 std::string reverseLookup(std::uint32_t address, const std::string& servers)
@@ -86,7 +121,7 @@ std::string reverseLookup(std::uint32_t address, const std::string& servers)
     const auto deadline = steady_clock::now() + limit;
     startReverseLookup(channel.get(), address, takeAnswer, &answer);
     while (!answer.arrived && steady_clock::now() < deadline) {
-        processResolver(channel.get(), sleepOf(channel.get(), deadline));
+        process(channel.get(), sleepOf(channel.get(), deadline));
     }
     return hostNameFrom(answer.text);
 }

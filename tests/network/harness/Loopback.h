@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/network/harness/Descriptor.h"
+#include "tests/network/harness/SnmpProfile.h"
 
 #include <cstdint>
 #include <string>
@@ -19,6 +20,9 @@ std::string ownAddress(int lastOctet);
 /// A UDP port that is free on all of `addresses`, below those that the system hands out by itself. Throws
 /// `std::runtime_error` when none is found.
 std::uint16_t freeUdpPort(const std::vector<std::string>& addresses);
+
+/// `ownAddress(1)` and a port that is free there. Throws as `freeUdpPort` does.
+Endpoint freeEndpoint();
 
 /// Sockets that swallow what is sent to a port of some addresses and never answer, so that these addresses are silent
 /// and not closed. "0.0.0.0" stands for all of 127.0.0.0/8.

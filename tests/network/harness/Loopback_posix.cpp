@@ -79,6 +79,11 @@ std::uint16_t freeUdpPort(const std::vector<std::string>& addresses)
     throw std::runtime_error("no UDP port is free");
 }
 
+Endpoint freeEndpoint()
+{
+    return {ownAddress(1), freeUdpPort({ownAddress(1)})};
+}
+
 SilentAddresses::SilentAddresses(const std::vector<std::string>& addresses, std::uint16_t port)
 {
     allowDescriptors(addresses.size());

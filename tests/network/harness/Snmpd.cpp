@@ -10,6 +10,9 @@ namespace {
 /// A community that only the harness uses: to see that the agent is there.
 constexpr char readinessCommunity[] = "is-it-there";
 
+/// Where the agent keeps its engine from one start to the next.
+constexpr char persistentFolder[] = "persistent";
+
 /// The modules without which the agent serves nobody, and the one that holds given values.
 constexpr char modules[] = "usmConf,usmUser,vacm_conf,snmpEngine,override";
 
@@ -57,31 +60,35 @@ std::string accessLines(const SnmpProfile& profile)
     if (!profile.privacyProtocol.empty()) {
         user += " " + profile.privacyProtocol + " \"" + profile.privacyPassword + "\"";
     }
-    const std::string anyOid = " .1";
-    const std::string context = profile.context.empty() ? "" : anyOid + " " + profile.context;
-    return user + "\nrouser " + profile.user + " " + securityWord(profile) + context + "\n";
+    return user + "\nrouser " + profile.user + " " + securityWord(profile) + "\n";
 }
 
-std::string configuration(const AgentData& data, const std::vector<SnmpProfile>& profiles)
+std::string accessLines(const std::vector<SnmpProfile>& profiles)
 {
     std::string text = "dontLogTCPWrappersConnects yes\n" + accessLines(v2c(readinessCommunity));
     for (const SnmpProfile& profile : profiles) {
         text += accessLines(profile);
     }
+    return text;
+}
+
+std::string configuration(const AgentData& data, const std::vector<SnmpProfile>& profiles)
+{
+    std::string text = accessLines(profiles);
     for (const auto& [oid, value] : data) {
         text += overrideLine(oid, value);
     }
     return text;
 }
 
-Command command(const TemporaryFolder& folder, const Endpoint& endpoint, const AgentData& data,
-                const std::vector<SnmpProfile>& profiles, const TestNetwork* network)
+std::string configuration(const OwnTables& tables, const std::vector<SnmpProfile>& profiles)
 {
-    const std::string file = folder.write("snmpd.conf", configuration(data, profiles));
-    const std::string persistent = folder.makeFolder("persistent");
-    return {.words = {"snmpd", "-f", "-Lo", "-C", "-c", file, "-I", modules, endpoint.text()},
-            .environment = {{"MIBS", ""}, {"SNMP_PERSISTENT_DIR", persistent}, {"SNMPCONFPATH", folder.path()}},
-            .network = network};
+    std::string text = accessLines(profiles) + "sysName " + tables.systemName + "\n";
+    if (!tables.context.empty()) {
+        text += "proxy -Cn " + tables.context + " -v 2c -c " + readinessCommunity + " " + tables.behind.text() +
+                " .1.3.6.1.2.1.1\n";
+    }
+    return text;
 }
 
 } // namespace
@@ -103,9 +110,51 @@ AgentValue integer(int number)
 
 Snmpd::Snmpd(const Endpoint& endpoint, const AgentData& data, const std::vector<SnmpProfile>& profiles,
              const TestNetwork* network)
-    : process_(command(folder_, endpoint, data, profiles, network))
+    : endpoint_(endpoint)
 {
-    waitUntilAnswers(process_, endpoint, v2c(readinessCommunity), network);
+    command_.network = network;
+    prepare(configuration(data, profiles), {"-I", modules});
+    start();
+}
+
+Snmpd::Snmpd(const Endpoint& endpoint, const OwnTables& tables, const std::vector<SnmpProfile>& profiles)
+    : endpoint_(endpoint)
+{
+    prepare(configuration(tables, profiles), {});
+    start();
+}
+
+void Snmpd::restart()
+{
+    process_.reset();
+    start();
+}
+
+void Snmpd::replace()
+{
+    process_.reset();
+    std::filesystem::remove_all(folder_ / persistentFolder);
+    start();
+}
+
+void Snmpd::prepare(const std::string& configuration, const std::vector<std::string>& options)
+{
+    folder_.write("snmpd.conf", configuration);
+    const std::string persistent = folder_ / persistentFolder;
+    command_.words = {"snmpd", "-f", "-Lo"};
+    command_.words.insert(command_.words.end(), options.begin(), options.end());
+    command_.words.push_back(endpoint_.text());
+    // The persistent folder is read, too, or else the agent would be another engine after each start.
+    command_.environment = {{"MIBS", ""},
+                            {"SNMP_PERSISTENT_DIR", persistent},
+                            {"SNMPCONFPATH", folder_.path().string() + ":" + persistent}};
+}
+
+void Snmpd::start()
+{
+    folder_.makeFolder(persistentFolder);
+    process_ = std::make_unique<ChildProcess>(command_);
+    waitUntilAnswers(*process_, endpoint_, v2c(readinessCommunity), command_.network);
 }
 
 } // namespace NetworkTests

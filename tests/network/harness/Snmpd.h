@@ -5,6 +5,7 @@
 #include "tests/network/harness/SnmpProfile.h"
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,16 +23,42 @@ AgentValue octets(std::string bytes);
 AgentValue objectId(std::string oid);
 AgentValue integer(int number);
 
-/// A running snmpd that holds `data` and none of the machine's own tables, and lets `profiles` read it.
+/// The machine's own tables, as an agent shows them.
+struct OwnTables {
+    std::string systemName; ///< sysName
+    /// A context that every user may ask in, and the agent of this harness whose system group it then passes on; none
+    /// when empty.
+    std::string context = {};
+    Endpoint behind = {};
+};
+
+/// A running snmpd that `profiles` may read; a user has the level that the profile's protocols make.
 class Snmpd {
 public:
-    /// Returns when it answers; throws `std::runtime_error` when it does not.
+    /// One that holds `data` and none of the machine's own tables. Returns when it answers; throws
+    /// `std::runtime_error` when it does not.
     Snmpd(const Endpoint& endpoint, const AgentData& data, const std::vector<SnmpProfile>& profiles,
           const TestNetwork* network = nullptr);
 
+    /// One that holds `tables`. Throws as the other does.
+    Snmpd(const Endpoint& endpoint, const OwnTables& tables, const std::vector<SnmpProfile>& profiles);
+
+    const Endpoint& endpoint() const { return endpoint_; }
+
+    /// Ends it and starts it again, as the same engine. Throws as the constructors do.
+    void restart();
+
+    /// As `restart`, but as another engine.
+    void replace();
+
 private:
+    void prepare(const std::string& configuration, const std::vector<std::string>& options);
+    void start();
+
     TemporaryFolder folder_;
-    ChildProcess process_;
+    const Endpoint endpoint_;
+    Command command_;
+    std::unique_ptr<ChildProcess> process_;
 };
 
 } // namespace NetworkTests

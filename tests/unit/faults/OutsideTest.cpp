@@ -7,7 +7,7 @@
 #include "plugin/include/PrinterDiscovery.h"
 #include "tasks/TaskQueue.h"
 #include "tests/unit/kep/datastore/FaultyFiles.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <sqlite3.h>
 
@@ -240,7 +240,7 @@ protected:
         return left <= 0 ? reply : std::string();
     }
 
-    TemporaryFolder folder_;
+    TestSupport::TemporaryFolder folder_;
     std::string path_ = folder_.file("store.db");
 };
 

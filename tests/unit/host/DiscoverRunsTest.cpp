@@ -66,14 +66,6 @@ protected:
             nlohmann::ordered_json{{"step", step}, {"total", 10}, {"state", state}, {"cookie", "c"}, {"printers", list}}
                 .dump());
     }
-
-    std::vector<std::string> operations() const
-    {
-        std::vector<std::string> names;
-        for (const PluginCall& call : plugin.calls())
-            names.push_back(call.operation);
-        return names;
-    }
 };
 
 TEST_F(SeveralRuns, FollowOneAnother)
@@ -82,7 +74,8 @@ TEST_F(SeveralRuns, FollowOneAnother)
     statusIs(10, 1);
     statusIs(10, 1);
     const RunResult result = follow(2);
-    EXPECT_THAT(operations(), ElementsAre("startDiscovery", "getStatus", "getStatus", "startDiscovery", "getStatus"));
+    EXPECT_THAT(plugin.operations(),
+                ElementsAre("startDiscovery", "getStatus", "getStatus", "startDiscovery", "getStatus"));
     EXPECT_EQ(plugin.calls()[0].params, "document 1");
     EXPECT_EQ(plugin.calls()[1].params, R"({"cookie":"cookie 1","firstIdx":0})");
     EXPECT_EQ(plugin.calls()[3].params, "document 2");
@@ -138,7 +131,7 @@ TEST_F(SeveralRuns, EndWithTheOneThatIsInterrupted)
     EXPECT_EQ(result.state, 2);
     EXPECT_EQ(result.printers.size(), 1U);
     EXPECT_THAT(plugin.withdrawn(), ElementsAre(plugin.startWork()));
-    const auto names = operations();
+    const auto names = plugin.operations();
     EXPECT_EQ(std::count(names.begin(), names.end(), "startDiscovery"), 2);
 }
 

@@ -56,6 +56,15 @@ public:
         return calls_;
     }
 
+    /// The operations of the calls.
+    std::vector<std::string> operations() const
+    {
+        std::vector<std::string> names;
+        for (const PluginCall& call : calls())
+            names.push_back(call.operation);
+        return names;
+    }
+
     std::vector<Kep::Host::CallId> withdrawn() const
     {
         const std::lock_guard lock(mutex_);

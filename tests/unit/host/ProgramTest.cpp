@@ -70,6 +70,17 @@ protected:
                         "--no-names"});
     }
 
+    void expectWhatItHasOn(int signal)
+    {
+        const SilentAgent agent({"127.78.0.1"});
+        Process process(patientSweep(agent), quiet());
+        ASSERT_TRUE(agent.waitForRequest());
+        process.signal(signal);
+        EXPECT_EQ(process.wait(), 130);
+        EXPECT_EQ(process.output(), "{\"step\":0,\"total\":1,\"state\":2,\"printers\":[],\"interrupted\":true}\n");
+        EXPECT_EQ(process.errors(), "1 address to probe\n1 address: 1 not probed\n");
+    }
+
     static std::string startDocument(const std::string& cookie, const std::string& port)
     {
         return R"({"cookie":")" + cookie +
@@ -222,25 +233,19 @@ TEST_F(TheProgram, PaintsProgressOnATerminalAndTheResultOnStandardOutput)
 
 TEST_F(TheProgram, AnInterruptedRunPrintsWhatItHasWithoutWaitingForProbes)
 {
-    for (const int number : {SIGINT, SIGTERM}) {
-        const SilentAgent agent({"127.78.0.1"});
-        Process process(patientSweep(agent), quiet());
-        ASSERT_TRUE(agent.waitForRequest());
-        process.signal(number);
-        EXPECT_EQ(process.wait(), 130);
-        EXPECT_EQ(process.output(), "{\"step\":0,\"total\":1,\"state\":2,\"printers\":[],\"interrupted\":true}\n");
-        EXPECT_EQ(process.errors(), "1 address to probe\n1 address: 1 not probed\n");
-    }
+    expectWhatItHasOn(SIGINT);
+}
+
+TEST_F(TheProgram, ATerminatedRunPrintsItToo)
+{
+    expectWhatItHasOn(SIGTERM);
 }
 
 TEST_F(TheProgram, LeavesAtOnceWhenInterruptedTwice)
 {
     const SilentAgent agent({"127.78.0.1"});
-    Process::Options options = quiet();
-    options.terminal = true;
-    Process process(patientSweep(agent), options);
+    Process process(patientSweep(agent), quiet());
     ASSERT_TRUE(agent.waitForRequest());
-    process.waitForError("0 of 1 probed");
     process.signal(SIGINT);
     std::this_thread::sleep_for(std::chrono::milliseconds(200)); // two at once would count as one
     process.signal(SIGINT);
@@ -807,17 +812,18 @@ protected:
     Process lab{
         {underTest(LAB_PROGRAM), "--network", Network, "--port", "0", "--until-stdin-closes", "--community", Secret}};
     std::string port = TheProgramAndTheLab::portOf(lab.line());
+    std::string settings = folder.file("settings.db");
 
     void SetUp() override
     {
         ASSERT_EQ(lab.line(), "ready");
-        ASSERT_EQ(run({"settings", "set", "host.snmp.retries", "0"}).status, 0);
+        ASSERT_EQ(run({"settings", "set", "host.snmp.retries", "0", "--data-store", settings}).status, 0);
     }
 
     /// The settings file is there, is kept, and has taken nothing in.
     void TearDown() override
     {
-        std::ifstream file(folder.file("config/printer-discovery/settings.db"), std::ios::binary);
+        std::ifstream file(settings, std::ios::binary);
         const std::string kept{std::istreambuf_iterator<char>(file), {}};
         EXPECT_THAT(kept, AllOf(HasSubstr("host.snmp.retries"), KeepsTheSecret()));
     }
@@ -830,8 +836,8 @@ protected:
                                                      {"--stream"},
                                                      {"--dry-run"},
                                                      {"--dry-run", "--format", "json"}}) {
-            std::vector<std::string> arguments = {"discover", "127.81.0.1,15", "--port",    port,
-                                                  "-t",       "0.3",           "--no-names"};
+            std::vector<std::string> arguments = {"discover", "127.81.0.1,15", "--port",       port,    "-t",
+                                                  "0.3",      "--no-names",    "--data-store", settings};
             arguments.insert(arguments.end(), credentials.begin(), credentials.end());
             arguments.insert(arguments.end(), form.begin(), form.end());
             const Ended ended = run(arguments, options);

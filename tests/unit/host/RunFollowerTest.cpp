@@ -71,14 +71,6 @@ protected:
                          .dump());
     }
 
-    std::vector<std::string> operations() const
-    {
-        std::vector<std::string> names;
-        for (const PluginCall& call : plugin.calls())
-            names.push_back(call.operation);
-        return names;
-    }
-
     /// The parameters of the status calls.
     std::vector<std::string> statusParams() const
     {
@@ -106,7 +98,7 @@ TEST_F(FollowedRuns, StartThenStatusUntilFinished)
     statusIs(100, 2);
     statusIs(254, 1);
     const RunResult result = follow();
-    EXPECT_THAT(operations(), ElementsAre("startDiscovery", "getStatus", "getStatus", "getStatus"));
+    EXPECT_THAT(plugin.operations(), ElementsAre("startDiscovery", "getStatus", "getStatus", "getStatus"));
     EXPECT_EQ(plugin.calls().front().service, "PrinterDiscovery");
     EXPECT_EQ(plugin.calls().front().params, R"({"cookie":"c"})");
     EXPECT_EQ(result.step, 254U);
@@ -191,7 +183,7 @@ TEST_F(FollowedRuns, NothingIsStartedAfterAnInterruption)
     pace.interruptAt = 0ms;
     const RunResult result = follow();
     EXPECT_TRUE(result.interrupted);
-    EXPECT_THAT(operations(), IsEmpty());
+    EXPECT_THAT(plugin.operations(), IsEmpty());
 }
 
 TEST_F(FollowedRuns, AFailedStartIsReportedInThePluginsWords)
@@ -199,7 +191,7 @@ TEST_F(FollowedRuns, AFailedStartIsReportedInThePluginsWords)
     plugin.reply("startDiscovery",
                  R"({"code":"internalServerError","message":"member \"x\": bad","data":null,"operation":{}})");
     EXPECT_EQ(failure(), "startDiscovery failed: member \"x\": bad");
-    EXPECT_THAT(operations(), ElementsAre("startDiscovery"));
+    EXPECT_THAT(plugin.operations(), ElementsAre("startDiscovery"));
 }
 
 TEST_F(FollowedRuns, AFailedStatusIsReported)

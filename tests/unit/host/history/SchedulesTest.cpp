@@ -2,6 +2,7 @@
 
 #include "host/Errors.h"
 #include "tests/unit/host/TemporaryFolder.h"
+#include "tests/unit/support/Privacy.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -152,7 +153,7 @@ TEST_F(RunSchedules, AreForTheOwnerOfTheFileAlone)
 {
     restart();
     add("a", 60min);
-    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms(0600));
+    EXPECT_TRUE(isPrivate(path));
 }
 
 TEST_F(RunSchedules, PassOverWhatIsNoSchedule)

@@ -2,7 +2,7 @@
 
 #include "Kep/Exception.h"
 #include "Kep/Host/DataStore.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ protected:
         return values.toJson();
     }
 
-    TemporaryFolder folder_;
+    TestSupport::TemporaryFolder folder_;
     std::string path_ = folder_.file("store.db");
 };
 

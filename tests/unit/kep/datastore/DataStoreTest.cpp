@@ -1,8 +1,8 @@
 #include "Kep/Host/DataStore.h"
 
 #include "tests/unit/kep/base/Messages.h"
-#include "tests/unit/kep/datastore/Privacy.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/Privacy.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ class Store : public testing::Test {
 protected:
     DataStore store() const { return DataStore(path_); }
 
-    TemporaryFolder folder_;
+    TestSupport::TemporaryFolder folder_;
     std::string path_ = folder_.file("store.db");
 };
 

@@ -4,7 +4,7 @@
 #include "datastore/Connection.h"
 #include "datastore/DataStoreProxy.h"
 #include "tests/unit/kep/base/Messages.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -53,7 +53,7 @@ protected:
         connection.execute("COMMIT");
     }
 
-    TemporaryFolder folder_;
+    TestSupport::TemporaryFolder folder_;
     std::string path_ = folder_.file("store.db");
 };
 

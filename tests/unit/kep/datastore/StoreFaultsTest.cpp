@@ -3,7 +3,7 @@
 #include "datastore/StoreTransaction.h"
 #include "tests/unit/kep/base/Messages.h"
 #include "tests/unit/kep/datastore/FaultyFiles.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -80,7 +80,7 @@ protected:
         EXPECT_EQ(readPair(path_), 2) << "the last write was not disturbed";
     }
 
-    TemporaryFolder folder_;
+    TestSupport::TemporaryFolder folder_;
     std::string path_ = folder_.file("store.db");
 };
 

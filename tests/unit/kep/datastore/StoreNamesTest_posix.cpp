@@ -1,8 +1,8 @@
 // Names and rights of files that other systems do not have.
 #include "Kep/Host/DataStore.h"
 #include "datastore/StoreTransaction.h"
-#include "tests/unit/kep/datastore/Privacy.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/Privacy.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace {
 
 TEST(StoreNames, ThatSqliteTakesForSomethingElseAreFiles)
 {
-    const TemporaryFolder folder;
+    const TestSupport::TemporaryFolder folder;
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(folder.path());
     for (const std::string name : {":memory:", "file:x?mode=memory"}) {
@@ -25,7 +25,7 @@ TEST(StoreNames, ThatSqliteTakesForSomethingElseAreFiles)
 
 TEST(StoreJournals, AreReadableByTheOwnerAlone)
 {
-    const TemporaryFolder folder;
+    const TestSupport::TemporaryFolder folder;
     const std::string path = folder.file("store.db");
     Kep::Host::DataStore(path).set("a", "1");
     const NoUmask openHanded;

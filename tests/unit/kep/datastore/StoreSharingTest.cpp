@@ -2,7 +2,7 @@
 #include "Kep/Exception.h"
 #include "Kep/Host/DataStore.h"
 #include "datastore/StoreTransaction.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ protected:
         EXPECT_EQ(DataStore(path_).list("writer").size(), static_cast<std::size_t>(writers * rounds));
     }
 
-    TemporaryFolder folder_;
+    TestSupport::TemporaryFolder folder_;
     std::string path_ = folder_.file("store.db");
 };
 

@@ -1,7 +1,7 @@
 #include "datastore/StoreTransaction.h"
 
 #include "Kep/Exception.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ protected:
 
     std::map<std::string, std::string> content() const { return StoreTransaction(path_, Access::read).list(""); }
 
-    TemporaryFolder folder_;
+    TestSupport::TemporaryFolder folder_;
     std::string path_ = folder_.file("store.db");
 };
 

@@ -2,7 +2,7 @@
 
 #include "Kep/Host/DataStore.h"
 #include "tests/unit/kep/base/Messages.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -77,7 +77,7 @@ TEST(ConfigurationDocument, SettingsMustFitAndBeTheHosts)
 
 TEST(EffectiveSettings, TheDocumentGoesBeforeTheDataStore)
 {
-    const TemporaryFolder folder;
+    const TestSupport::TemporaryFolder folder;
     const std::string path = folder.file("store.db");
     Kep::Host::DataStore store(path);
     store.set("host.snmp.retries", "2");

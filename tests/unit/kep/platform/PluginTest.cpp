@@ -7,8 +7,8 @@
 #include "Kep/Platform/StartableService.h"
 #include "settings/HostSettings.h"
 #include "tests/unit/kep/base/Messages.h"
-#include "tests/unit/kep/datastore/TemporaryFolder.h"
 #include "tests/unit/kep/platform/FakeTasks.h"
+#include "tests/unit/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -92,7 +92,7 @@ protected:
     std::shared_ptr<PlainService> plain = std::make_shared<PlainService>("Plain");
     std::shared_ptr<LoggedService> first = std::make_shared<LoggedService>("First");
     std::shared_ptr<LoggedService> second = std::make_shared<LoggedService>("Second");
-    TemporaryFolder folder;
+    TestSupport::TemporaryFolder folder;
 };
 
 TEST_F(PluginObject, InitStartsTheServicesAndDescribesThem)

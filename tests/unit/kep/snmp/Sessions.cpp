@@ -21,10 +21,10 @@ std::shared_ptr<Session> newSession(const std::shared_ptr<Profile>& profile)
     return Factory(V3Engine::get()).create(profile);
 }
 
-std::shared_ptr<Session> openSession(const std::shared_ptr<Profile>& profile)
+std::shared_ptr<Session> openSession(const std::shared_ptr<Profile>& profile, const std::string& address)
 {
     auto session = newSession(profile);
-    session->open("127.0.0.1");
+    session->open(address);
     return session;
 }
 

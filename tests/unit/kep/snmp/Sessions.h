@@ -17,7 +17,8 @@ inline constexpr const char* testCommunity = "perch-4711"; ///< a word that no m
 std::shared_ptr<Kep::Snmp::Profile> communityProfile(long version, std::uint16_t port,
                                                      const std::string& community = testCommunity);
 std::shared_ptr<Kep::Snmp::Session> newSession(const std::shared_ptr<Kep::Snmp::Profile>& profile);
-std::shared_ptr<Kep::Snmp::Session> openSession(const std::shared_ptr<Kep::Snmp::Profile>& profile);
+std::shared_ptr<Kep::Snmp::Session> openSession(const std::shared_ptr<Kep::Snmp::Profile>& profile,
+                                                const std::string& address = "127.0.0.1");
 
 /// What `action` throws says; empty when it throws no `Kep::Snmp::Exception`.
 std::string problemOf(const std::function<void()>& action);

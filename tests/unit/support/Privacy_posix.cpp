@@ -1,4 +1,4 @@
-#include "tests/unit/kep/datastore/Privacy.h"
+#include "tests/unit/support/Privacy.h"
 
 #include <sys/stat.h>
 

@@ -6,7 +6,9 @@
 #include <random>
 #include <string>
 
-/// Made empty, and removed with everything in it.
+namespace TestSupport {
+
+/// Made empty, for its owner alone, and removed with everything in it.
 class TemporaryFolder {
 public:
     TemporaryFolder()
@@ -14,7 +16,7 @@ public:
         std::random_device number;
         do
             path_ =
-                (std::filesystem::temp_directory_path() / ("kep-test-" + std::to_string(number()))).generic_string();
+                (std::filesystem::temp_directory_path() / ("unit-test-" + std::to_string(number()))).generic_string();
         while (!std::filesystem::create_directory(path_));
         std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
     }
@@ -40,3 +42,5 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+} // namespace TestSupport
