@@ -13,8 +13,7 @@ using std::chrono::nanoseconds;
 constexpr std::int64_t pollInterval = 2'000'000'000;
 
 // Not all systems sleep to the end.
-template <typename TimePoint>
-void sleepUntil(TimePoint deadline) noexcept
+template <typename TimePoint> void sleepUntil(TimePoint deadline) noexcept
 {
     while (TimePoint::clock::now() < deadline)
         std::this_thread::sleep_until(deadline);

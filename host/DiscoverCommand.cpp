@@ -105,12 +105,21 @@ std::string outputText(const DiscoverOptions& options, const RunResult& result)
     return comparison ? table + '\n' + comparisonText(*comparison, options.earlier->name, style) : table;
 }
 
+/// A table goes to a terminal that cannot show its colours, though the user would have them.
+bool losesColours(const DiscoverOptions& options)
+{
+    return options.format == Format::Table && !options.stream && isTerminal(Stream::Output) &&
+           !showsColours(Stream::Output) && !environmentVariable("NO_COLOR");
+}
+
 /// What the user should know before the run.
 void announce(const DiscoverOptions& options)
 {
     if (options.quiet)
         return;
     noteLoweredTaskLimit(std::cerr);
+    if (losesColours(options))
+        std::cerr << "this terminal takes no escape sequences: the table has no colours\n";
     std::cerr << countText(countProbed(options.ranges), options.profiles.size()) << '\n';
     if (options.earlier && options.earlier->interrupted)
         std::cerr << "--diff: " << options.earlier->name

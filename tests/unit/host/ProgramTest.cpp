@@ -231,6 +231,24 @@ TEST_F(TheProgram, PaintsProgressOnATerminalAndTheResultOnStandardOutput)
                                     HasSubstr("1 of 1 addresses probed, 0 printers found in ")));
 }
 
+TEST_F(TheProgram, SaysThatATableOnATerminalWithoutEscapeSequencesIsPlain)
+{
+    const std::string note = "this terminal takes no escape sequences: the table has no colours";
+    const auto errors = [this](const std::vector<std::string>& environment, const std::vector<std::string>& more) {
+        Process::Options options = quiet();
+        options.outputTerminal = true;
+        options.environment.insert(options.environment.end(), environment.begin(), environment.end());
+        std::vector<std::string> arguments = {"discover", "127.78.0.1", "--exclude", "127.78.0.1"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return run(arguments, options).errors;
+    };
+    EXPECT_THAT(errors({"TERM=dumb"}, {}), HasSubstr(note));
+    EXPECT_THAT(errors({"TERM=xterm"}, {}), Not(HasSubstr(note)));
+    EXPECT_THAT(errors({"TERM=dumb", "NO_COLOR=1"}, {}), Not(HasSubstr(note)));
+    EXPECT_THAT(errors({"TERM=dumb"}, {"--format", "json"}), Not(HasSubstr(note)));
+    EXPECT_THAT(errors({"TERM=dumb"}, {"--quiet"}), Not(HasSubstr(note)));
+}
+
 TEST_F(TheProgram, AnInterruptedRunPrintsWhatItHasWithoutWaitingForProbes)
 {
     expectWhatItHasOn(SIGINT);

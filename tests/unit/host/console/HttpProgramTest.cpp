@@ -50,7 +50,8 @@ protected:
     void serveWith(const Process::Options& processOptions, const std::vector<std::string>& more,
                    const std::string& address)
     {
-        std::vector<std::string> command = {underTest(HOST_PROGRAM), "serve", "--http", address};
+        std::vector<std::string> command = {underTest(HOST_PROGRAM),   "serve", "--http", address, "--data-store",
+                                            folder.file("settings.db")};
         command.insert(command.end(), more.begin(), more.end());
         program = std::make_unique<Process>(command, processOptions);
         program->waitForError("listening on http://");
@@ -87,8 +88,25 @@ protected:
         throw std::runtime_error("the run does not end");
     }
 
+    /// A run of the console's and a blocking one of the procedure calls', whose probes wait.
+    void serveWithMuchUnderWay(const SilentAgent& agent)
+    {
+        serve();
+        start("127.83.0.1", agent.port());
+        const std::string blocking =
+            R"({"jsonrpc":"2.0","id":1,"method":"PrinterDiscovery.startDiscoveryBlocking","params":)"
+            R"({"cookie":"c","config":{"usePing":false,"pingTimeout":1,"snmpTimeout":1,)"
+            R"("includeRanges":[{"from":"127.83.0.1","to":"127.83.0.1"}],"excludeRanges":[],)"
+            R"("snmpProfile":{"snmpVersion":2,"snmpPort":)" +
+            agent.port() + R"(,"communityRead":"public","communityWrite":""}}}})";
+        client->send("POST /rpc HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port()) +
+                     "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(blocking.size()) +
+                     "\r\n\r\n" + blocking);
+        ASSERT_TRUE(agent.waitForRequest());
+    }
+
     /// Ends the program and gives its exit status.
-    int end(int signal = SIGTERM)
+    int end(int signal = SIGINT)
     {
         program->signal(signal);
         return program->wait();
@@ -170,21 +188,15 @@ TEST_F(TheConsole, StopsARunThatWouldTakeMinutes)
 TEST_F(TheConsole, EndsWithinSecondsWhateverIsUnderWay)
 {
     const SilentAgent agent({"127.83.0.1"});
-    for (const int signal : {SIGINT, SIGTERM}) {
-        serve();
-        start("127.83.0.1", agent.port());
-        const std::string start =
-            R"({"jsonrpc":"2.0","id":1,"method":"PrinterDiscovery.startDiscoveryBlocking","params":)"
-            R"({"cookie":"c","config":{"usePing":false,"pingTimeout":1,"snmpTimeout":1,)"
-            R"("includeRanges":[{"from":"127.83.0.1","to":"127.83.0.1"}],"excludeRanges":[],)"
-            R"("snmpProfile":{"snmpVersion":2,"snmpPort":)" +
-            agent.port() + R"(,"communityRead":"public","communityWrite":""}}}})";
-        client->send("POST /rpc HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port()) +
-                     "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(start.size()) +
-                     "\r\n\r\n" + start);
-        ASSERT_TRUE(agent.waitForRequest());
-        EXPECT_EQ(end(signal), 0);
-    }
+    serveWithMuchUnderWay(agent);
+    EXPECT_EQ(end(SIGINT), 0);
+}
+
+TEST_F(TheConsole, IsTerminatedAsItIsInterrupted)
+{
+    const SilentAgent agent({"127.83.0.1"});
+    serveWithMuchUnderWay(agent);
+    EXPECT_EQ(end(SIGTERM), 0);
 }
 
 TEST_F(TheConsole, KeepsItsTokenToItself)
@@ -234,6 +246,10 @@ TEST_F(TheConsole, IsRefusedInWords)
     EXPECT_EQ(refused({"--http", "127.0.0.1:0", "--stdio"}).first, 2);
     EXPECT_EQ(refused({"--stdio", "--host-name", "x"}).first, 2);
     EXPECT_THAT(refused({"--http", "127.0.0.1:0", "--host-name", "http://x"}).second, HasSubstr("--host-name"));
+}
+
+TEST_F(TheConsole, RefusesATokenThatOthersCanRead)
+{
     const std::string shared = folder.write("shared", Secret, std::filesystem::perms(0644));
     EXPECT_THAT(refused({"--http", "127.0.0.1:0", "--token-file", shared}).second,
                 AllOf(HasSubstr("--token-file"), HasSubstr("chmod 600")));
