@@ -1,5 +1,6 @@
 // Loading and unloading of the library, in and out of runs.
 #include "entry/Host.h"
+#include "unit/support/ProcessUse.h"
 
 #include <optional>
 
@@ -87,12 +88,12 @@ TEST_F(Loading, AHundredLoadsLeaveNothingBehind)
     };
     for (int n = 0; n < 10; ++n)
         cycle();
-    const std::size_t descriptors = System::openDescriptors();
-    const std::size_t bytes = System::allocatedBytes();
+    const std::size_t descriptors = TestSupport::openDescriptors();
+    const std::size_t bytes = TestSupport::allocatedBytes();
     for (int n = 0; n < 100; ++n)
         cycle();
-    EXPECT_EQ(System::openDescriptors(), descriptors);
-    EXPECT_LE(System::allocatedBytes(), bytes + 100 * 64) << "each plug-in object is larger than that";
+    EXPECT_EQ(TestSupport::openDescriptors(), descriptors);
+    EXPECT_LE(TestSupport::allocatedBytes(), bytes + 100 * 64) << "each plug-in object is larger than that";
 }
 
 TEST_F(Loading, ALoadWithoutInitLeavesNothingBehindEither)

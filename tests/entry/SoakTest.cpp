@@ -1,6 +1,7 @@
 // A long life in short, on the built library with real sockets: many runs, restarts and loads, and what the process
 // holds afterwards.
 #include "entry/Host.h"
+#include "unit/support/ProcessUse.h"
 
 using nlohmann::json;
 
@@ -16,7 +17,10 @@ protected:
         std::size_t threads;
     };
 
-    static Resources held() { return {System::allocatedBytes(), System::openDescriptors(), System::threads()}; }
+    static Resources held()
+    {
+        return {TestSupport::allocatedBytes(), TestSupport::openDescriptors(), TestSupport::threadCount()};
+    }
 
     static void expectNoMore(const Resources& before, const Resources& now, std::size_t bytes)
     {

@@ -48,17 +48,10 @@ private:
 /// A UDP port of the loopback addresses that is closed.
 std::uint16_t closedPort();
 
-/// Descriptors that this process has open, and threads that it has.
-std::size_t openDescriptors();
-std::size_t threads();
-
 /// What a library exports, by name.
 std::vector<std::string> exportedNames(const std::string& library);
 
 /// Whether an unloaded library has left the process: at once, or where a run keeps it loaded, when that has ended.
 bool isGone(const std::string& library);
-
-/// Bytes that this process has allocated and not freed; 0 where the allocator does not tell.
-std::size_t allocatedBytes();
 
 } // namespace System

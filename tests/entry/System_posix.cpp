@@ -4,7 +4,6 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
-#include <malloc.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <signal.h>
@@ -18,7 +17,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <iterator>
 #include <sstream>
 #include <system_error>
 #include <thread>
@@ -113,12 +111,6 @@ int bindSocket(int host, std::uint16_t& port)
     return descriptor;
 }
 
-std::size_t entriesIn(const char* folder)
-{
-    return static_cast<std::size_t>(
-        std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
-}
-
 } // namespace
 
 std::optional<int> run(const std::vector<std::string>& command, int seconds, std::string* output)
@@ -176,21 +168,6 @@ std::string SilentHosts::receive() const
 std::uint16_t closedPort()
 {
     return SilentHosts(1).port();
-}
-
-std::size_t openDescriptors()
-{
-    return entriesIn("/proc/self/fd");
-}
-
-std::size_t threads()
-{
-    return entriesIn("/proc/self/task");
-}
-
-std::size_t allocatedBytes()
-{
-    return mallinfo2().uordblks;
 }
 
 std::vector<std::string> exportedNames(const std::string& library)

@@ -3,8 +3,6 @@
 #include <winsock2.h>
 #include <ws2tcpip.h>
 
-#include <tlhelp32.h>
-
 #include <array>
 #include <chrono>
 #include <cstring>
@@ -129,18 +127,6 @@ SOCKET bindSocket(std::uint16_t& port)
     return handle;
 }
 
-std::size_t busyBytes(HANDLE heap)
-{
-    std::size_t bytes = 0;
-    PROCESS_HEAP_ENTRY entry{};
-    HeapLock(heap);
-    while (HeapWalk(heap, &entry) != 0)
-        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0)
-            bytes += entry.cbData;
-    HeapUnlock(heap);
-    return bytes;
-}
-
 } // namespace
 
 std::optional<int> run(const std::vector<std::string>& command, int seconds, std::string* output)
@@ -201,35 +187,6 @@ std::string SilentHosts::receive() const
 std::uint16_t closedPort()
 {
     return SilentHosts(1).port();
-}
-
-std::size_t openDescriptors()
-{
-    DWORD count = 0;
-    if (GetProcessHandleCount(GetCurrentProcess(), &count) == 0)
-        fail("GetProcessHandleCount");
-    return count;
-}
-
-std::size_t threads()
-{
-    const Handle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-    THREADENTRY32 entry{};
-    entry.dwSize = sizeof entry;
-    std::size_t count = 0;
-    for (BOOL more = Thread32First(snapshot.get(), &entry); more != 0; more = Thread32Next(snapshot.get(), &entry))
-        count += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1U : 0U;
-    return count;
-}
-
-std::size_t allocatedBytes()
-{
-    std::array<HANDLE, 64> heaps{};
-    const DWORD count = GetProcessHeaps(heaps.size(), heaps.data());
-    std::size_t bytes = 0;
-    for (DWORD i = 0; i < count && i < heaps.size(); ++i)
-        bytes += busyBytes(heaps[i]);
-    return bytes;
 }
 
 std::vector<std::string> exportedNames(const std::string& library)

@@ -1,14 +1,18 @@
 #include "net/NetbiosClient.h"
 
+#include "Kep/Exception.h"
 #include "net/NetbiosStatus.h"
 #include "net/UdpSocket.h"
 
 #include <array>
 #include <chrono>
 #include <random>
+#include <utility>
 
 namespace Kep::Net {
 namespace {
+
+using std::chrono::steady_clock;
 
 constexpr int tries = 2;
 constexpr std::chrono::milliseconds timeout{500};
@@ -20,42 +24,47 @@ std::uint16_t randomId()
     return static_cast<std::uint16_t>(std::random_device()());
 }
 
-// Waits for the reply to a request. `timeout` when only other datagrams arrive.
-UdpSocket::Outcome awaitReply(UdpSocket& socket, std::uint16_t id, std::string& name)
+// Waits for the reply to a request; nothing when there is none in time.
+std::optional<std::string> awaitReply(UdpSocket& socket, std::uint16_t id)
 {
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    const auto deadline = steady_clock::now() + timeout;
     std::array<std::uint8_t, largestReply> buffer;
-    for (;;) {
-        std::size_t size = 0;
-        const auto outcome = socket.receive(buffer, deadline, size);
-        if (outcome != UdpSocket::Outcome::done) {
-            return outcome;
-        }
-        if (auto answer = readNodeStatus({buffer.data(), size}, id)) {
-            name = std::move(*answer);
-            return UdpSocket::Outcome::done;
+    while (steady_clock::now() < deadline && socket.waitReadable(deadline)) {
+        if (const auto size = socket.receive(buffer)) {
+            if (auto name = readNodeStatus({buffer.data(), *size}, id)) {
+                return name;
+            }
         }
     }
+    return std::nullopt;
+}
+
+std::string ask(UdpSocket& socket)
+{
+    const std::uint16_t id = randomId();
+    const auto request = nodeStatusRequest(id);
+    for (int attempt = 0; attempt < tries; ++attempt) {
+        socket.send(request);
+        if (auto name = awaitReply(socket, id)) {
+            return std::move(*name);
+        }
+    }
+    return {};
 }
 
 } // namespace
 
 std::string askNodeStatus(std::uint32_t address, std::uint16_t port)
 {
-    UdpSocket socket(address, port);
-    const std::uint16_t id = randomId();
-    const auto request = nodeStatusRequest(id);
-    std::string name;
-    for (int attempt = 0; attempt < tries; ++attempt) {
-        auto outcome = socket.send(request);
-        if (outcome == UdpSocket::Outcome::done) {
-            outcome = awaitReply(socket, id, name);
+    try {
+        UdpSocket socket(address, port);
+        return ask(socket);
+    } catch (const std::system_error& error) {
+        if (isShortage(error.code())) {
+            throw GenericException("no socket for a NetBIOS query: " + error.code().message());
         }
-        if (outcome != UdpSocket::Outcome::timeout) {
-            break;
-        }
+        return {}; // the node or the way to it is closed
     }
-    return name;
 }
 
 } // namespace Kep::Net

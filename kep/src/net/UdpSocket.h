@@ -1,38 +1,46 @@
-/// A connected UDP socket over IPv4.
+/// A connected UDP socket.
 #pragma once
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
+#include <system_error>
 
 namespace Kep::Net {
 
-/// Exchanges datagrams with one peer: the system drops those of others. One thread at a time.
+/// Talks to one address and port; the system drops what others send, and tells when that port is closed. Used by one
+/// thread at a time. Failures are thrown as `std::system_error`; a closed port is `std::errc::connection_refused`.
 class UdpSocket {
 public:
-    enum class Outcome {
-        done,
-        timeout, ///< nothing arrived in time
-        closed   ///< the peer or the way to it is reported closed
-    };
-
-    /// `address` has its first octet in the most significant byte. Throws `GenericException` when the system has no
-    /// socket to give. An address that cannot be reached shows when sending.
+    /// Connects to `port` of `address`, a number whose most significant byte is the first octet.
     UdpSocket(std::uint32_t address, std::uint16_t port);
     ~UdpSocket();
     UdpSocket(const UdpSocket&) = delete;
     UdpSocket& operator=(const UdpSocket&) = delete;
 
-    /// `done` also when the system drops the datagram, as any network may.
-    Outcome send(std::span<const std::uint8_t> datagram);
+    /// Hands a datagram to the system. One that finds the system's buffers full is lost, as it may be on the way.
+    void send(std::span<const unsigned char> packet);
 
-    /// Waits for a datagram until `deadline` and puts it, cut to its size, into `buffer`; `size` is set when done.
-    Outcome receive(std::span<std::uint8_t> buffer, std::chrono::steady_clock::time_point deadline, std::size_t& size);
+    /// Sleeps until there is something to receive, also a failure; false when `deadline` passed first.
+    bool waitReadable(std::chrono::steady_clock::time_point deadline);
+
+    /// Takes one datagram into `buffer`, cut to its size, and gives its length; nothing when there is none.
+    std::optional<std::size_t> receive(std::span<unsigned char> buffer);
+
+    /// Whether the network has reported that it does not reach the address at the moment, which is no failure (soft
+    /// errors: RFC 1122, section 4.1.3.3). Not all systems tell.
+    bool reportedUnreachable() const noexcept { return unreachable_; }
 
 private:
-    const std::intptr_t handle_; // the system's
-    bool reachable_ = false;
+    bool takeSoftErrors();
+
+    std::intptr_t handle_;
+    bool unreachable_ = false;
 };
+
+/// Whether a socket was not opened for want of a descriptor, a local port or memory: others will give theirs back.
+bool isShortage(const std::error_code& error);
 
 } // namespace Kep::Net

@@ -76,16 +76,16 @@ try : peer_(address + ":" + std::to_string(port)), socket_(parseAddress(address)
 void Wire::send(std::span<const unsigned char> packet)
 {
     held_ += waitForTurn();
-    reported(peer_, [&] { socket_.send(packet); });
+    reported(peer_, [&] { socket_->send(packet); });
 }
 
 bool Wire::receive(Clock::time_point deadline, const Reader& read)
 {
-    while (reported(peer_, [&] { return socket_.waitReadable(deadline); })) {
+    while (reported(peer_, [&] { return socket_->waitReadable(deadline); })) {
         // Not before there is something: most addresses never answer, and waiting for them takes no buffer.
         const auto buffer = std::make_unique_for_overwrite<unsigned char[]>(largestDatagram);
         const std::span room(buffer.get(), largestDatagram);
-        if (const auto size = reported(peer_, [&] { return socket_.receive(room); })) {
+        if (const auto size = reported(peer_, [&] { return socket_->receive(room); })) {
             read(room.first(*size));
             return true;
         }

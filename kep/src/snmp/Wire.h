@@ -1,7 +1,7 @@
 /// The traffic between a session and its agent: every packet of the engine is sent and received here.
 #pragma once
 
-#include "snmp/UdpSocket.h"
+#include "snmp/AwaitedSocket.h"
 
 #include <functional>
 #include <string>
@@ -28,14 +28,14 @@ public:
     bool receive(Clock::time_point deadline, const Reader& read);
 
     /// Whether the network has reported that it does not reach the agent at the moment.
-    bool reportedUnreachable() const noexcept { return socket_.reportedUnreachable(); }
+    bool reportedUnreachable() const noexcept { return socket_->reportedUnreachable(); }
 
     /// For messages to people: address and port.
     const std::string& peer() const noexcept { return peer_; }
 
 private:
     std::string peer_;
-    UdpSocket socket_;
+    AwaitedSocket socket_;
     Clock::duration held_{};
 };
 

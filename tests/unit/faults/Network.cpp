@@ -6,7 +6,6 @@
 #include "kep/net/StatusReply.h"
 #include "kep/snmp/Ber.h"
 #include "net/UdpSocket.h"
-#include "snmp/UdpSocket.h"
 
 #include <algorithm>
 #include <atomic>
@@ -26,6 +25,7 @@ constexpr const char* firstMac = ".1.3.6.1.2.1.2.2.1.6.1";
 constexpr const char* serialNumber = ".1.3.6.1.2.1.43.5.1.1.17.1";
 constexpr const char* beyondDeviceTypes = ".1.3.6.1.2.1.25.3.2.1.3.1";
 constexpr const char* unknownEngines = ".1.3.6.1.6.3.15.1.1.4.0";
+constexpr std::uint16_t netbiosPort = 137;
 constexpr const char* engineId = "\x80zero";
 
 enum Host { printer, otherAgent, closedPort, silent };
@@ -120,12 +120,13 @@ void begin(SocketCall call)
 std::atomic<std::size_t> sockets{0};
 
 struct Socket {
-    explicit Socket(std::uint32_t to) : address(to) { ++sockets; }
+    Socket(std::uint32_t to, bool node) : address(to), isNode(node) { ++sockets; }
     ~Socket() { --sockets; }
     Socket(const Socket&) = delete;
     Socket& operator=(const Socket&) = delete;
 
     std::uint32_t address;
+    bool isNode; // of a NetBIOS query
     std::optional<Bytes> incoming;
 };
 
@@ -134,16 +135,11 @@ Socket& socketOf(std::intptr_t handle)
     return *reinterpret_cast<Socket*>(handle);
 }
 
-std::intptr_t openSocket(SocketCall call, std::uint32_t address)
+std::intptr_t openSocket(std::uint32_t address, bool isNode)
 {
     const Spared spared;
-    begin(call);
-    return reinterpret_cast<std::intptr_t>(std::make_unique<Socket>(address).release());
-}
-
-void closeSocket(std::intptr_t handle)
-{
-    const std::unique_ptr<Socket> socket(&socketOf(handle));
+    begin(isNode ? SocketCall::nodeOpen : SocketCall::open);
+    return reinterpret_cast<std::intptr_t>(std::make_unique<Socket>(address, isNode).release());
 }
 
 std::optional<std::size_t> take(Socket& socket, std::span<unsigned char> buffer)
@@ -156,9 +152,11 @@ std::optional<std::size_t> take(Socket& socket, std::span<unsigned char> buffer)
     return size;
 }
 
-std::uint16_t idOf(std::span<const std::uint8_t> request)
+Bytes answerOfNode(std::span<const unsigned char> request, std::uint32_t address)
 {
-    return static_cast<std::uint16_t>(request[0] << 8 | request[1]);
+    const auto id = static_cast<std::uint16_t>(request[0] << 8 | request[1]);
+    const auto reply = Kep::Testing::StatusReply(id).add(nameOf(address), 0).bytes();
+    return Bytes(reply.begin(), reply.end());
 }
 
 } // namespace
@@ -196,73 +194,49 @@ std::string printerDocument(std::uint32_t address)
 
 } // namespace Faults
 
-namespace Kep::Snmp {
+namespace Kep::Net {
 
 using namespace Faults;
 
-UdpSocket::UdpSocket(std::uint32_t address, std::uint16_t) : handle_(openSocket(SocketCall::open, address)) {}
+UdpSocket::UdpSocket(std::uint32_t address, std::uint16_t port) : handle_(openSocket(address, port == netbiosPort)) {}
 
 UdpSocket::~UdpSocket()
 {
-    closeSocket(handle_);
+    const std::unique_ptr<Socket> socket(&socketOf(handle_));
 }
 
 void UdpSocket::send(std::span<const unsigned char> packet)
 {
     const Spared spared;
-    begin(SocketCall::send);
     Socket& socket = socketOf(handle_);
-    if (hostAt(socket.address) == printer || hostAt(socket.address) == otherAgent)
+    begin(socket.isNode ? SocketCall::nodeSend : SocketCall::send);
+    if (socket.isNode)
+        socket.incoming = answerOfNode(packet, socket.address);
+    else if (hostAt(socket.address) == printer || hostAt(socket.address) == otherAgent)
         socket.incoming = answerTo(Bytes(packet.begin(), packet.end()), socket.address);
 }
 
 bool UdpSocket::waitReadable(std::chrono::steady_clock::time_point)
 {
     const Spared spared;
-    begin(SocketCall::wait);
-    return socketOf(handle_).incoming || hostAt(socketOf(handle_).address) == closedPort;
+    const Socket& socket = socketOf(handle_);
+    begin(socket.isNode ? SocketCall::nodeWait : SocketCall::wait);
+    return socket.incoming || hostAt(socket.address) == closedPort;
 }
 
 std::optional<std::size_t> UdpSocket::receive(std::span<unsigned char> buffer)
 {
     const Spared spared;
-    begin(SocketCall::receive);
-    if (hostAt(socketOf(handle_).address) == closedPort)
-        throw std::system_error(std::make_error_code(std::errc::connection_refused));
-    return take(socketOf(handle_), buffer);
-}
-
-} // namespace Kep::Snmp
-
-namespace Kep::Net {
-
-using namespace Faults;
-
-UdpSocket::UdpSocket(std::uint32_t address, std::uint16_t) : handle_(openSocket(SocketCall::nodeOpen, address)) {}
-
-UdpSocket::~UdpSocket()
-{
-    closeSocket(handle_);
-}
-
-UdpSocket::Outcome UdpSocket::send(std::span<const std::uint8_t> datagram)
-{
-    const Spared spared;
-    begin(SocketCall::nodeSend);
     Socket& socket = socketOf(handle_);
-    const auto reply = Testing::StatusReply(idOf(datagram)).add(nameOf(socket.address), 0).bytes();
-    socket.incoming = Bytes(reply.begin(), reply.end());
-    return Outcome::done;
+    begin(socket.isNode ? SocketCall::nodeReceive : SocketCall::receive);
+    if (hostAt(socket.address) == closedPort)
+        throw std::system_error(std::make_error_code(std::errc::connection_refused));
+    return take(socket, buffer);
 }
 
-UdpSocket::Outcome UdpSocket::receive(std::span<std::uint8_t> buffer, std::chrono::steady_clock::time_point,
-                                      std::size_t& size)
+bool isShortage(const std::error_code&)
 {
-    const Spared spared;
-    begin(SocketCall::nodeReceive);
-    const auto received = take(socketOf(handle_), buffer);
-    size = received.value_or(0);
-    return received ? Outcome::done : Outcome::timeout;
+    return false;
 }
 
 } // namespace Kep::Net

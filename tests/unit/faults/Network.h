@@ -11,7 +11,7 @@
 namespace Faults {
 
 /// What the framework asks of a socket. `nodeOpen` to `nodeReceive` are those of the NetBIOS query.
-enum class SocketCall { open, send, wait, receive, nodeOpen, nodeSend, nodeReceive };
+enum class SocketCall { open, send, wait, receive, nodeOpen, nodeSend, nodeWait, nodeReceive };
 
 /// While one lives, `hook` is called at the beginning of each call of a socket, on the thread that makes it; what it
 /// throws passes. One at a time in the process.

@@ -119,7 +119,8 @@ TEST_P(SocketFailures, OfAStandardKindThatIsNotExpectedDoSoToo)
 class NameFailures : public OutsideFailures, public testing::WithParamInterface<SocketCall> {};
 
 INSTANTIATE_TEST_SUITE_P(Calls, NameFailures,
-                         testing::Values(SocketCall::nodeOpen, SocketCall::nodeSend, SocketCall::nodeReceive));
+                         testing::Values(SocketCall::nodeOpen, SocketCall::nodeSend, SocketCall::nodeWait,
+                                         SocketCall::nodeReceive));
 
 TEST_P(NameFailures, LeaveAPrinterWithoutAName)
 {

@@ -15,7 +15,4 @@ struct Resources {
     static Resources now();
 };
 
-/// Whether a sanitizer watches, which multiplies what everything takes.
-bool isSanitized();
-
 } // namespace Faults

@@ -5,6 +5,7 @@
 #include "HostFakes.h"
 #include "Resources.h"
 #include "World.h"
+#include "tests/unit/support/ProcessUse.h"
 
 #include <cstdlib>
 #include <thread>
@@ -24,7 +25,7 @@ int soakRuns()
 {
     if (const char* runs = std::getenv("PRINTER_DISCOVERY_SOAK"))
         return std::atoi(runs);
-    return isSanitized() ? 1'500 : 8'000;
+    return TestSupport::isSanitized() ? 1'500 : 8'000;
 }
 
 class Soak : public WithWorld {

@@ -1,6 +1,4 @@
-#include "Resources.h"
-
-#include "Allocations.h"
+#include "tests/unit/support/ProcessUse.h"
 
 #include <filesystem>
 #include <iterator>
@@ -11,7 +9,7 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // no header o
 #include <malloc.h>
 #endif
 
-namespace Faults {
+namespace TestSupport {
 namespace {
 
 std::size_t entriesIn(const char* folder)
@@ -19,6 +17,8 @@ std::size_t entriesIn(const char* folder)
     return static_cast<std::size_t>(
         std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator()));
 }
+
+} // namespace
 
 std::size_t allocatedBytes()
 {
@@ -29,11 +29,14 @@ std::size_t allocatedBytes()
 #endif
 }
 
-} // namespace
-
-Resources Resources::now()
+std::size_t openDescriptors()
 {
-    return {liveAllocations(), allocatedBytes(), entriesIn("/proc/self/task"), entriesIn("/proc/self/fd")};
+    return entriesIn("/proc/self/fd");
+}
+
+std::size_t threadCount()
+{
+    return entriesIn("/proc/self/task");
 }
 
 bool isSanitized()
@@ -45,4 +48,4 @@ bool isSanitized()
 #endif
 }
 
-} // namespace Faults
+} // namespace TestSupport

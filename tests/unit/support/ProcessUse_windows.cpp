@@ -1,6 +1,4 @@
-#include "Resources.h"
-
-#include "Allocations.h"
+#include "tests/unit/support/ProcessUse.h"
 
 #include <array>
 
@@ -8,7 +6,7 @@
 
 #include <tlhelp32.h>
 
-namespace Faults {
+namespace TestSupport {
 namespace {
 
 std::size_t busyBytes(HANDLE heap)
@@ -22,6 +20,8 @@ std::size_t busyBytes(HANDLE heap)
     HeapUnlock(heap);
     return bytes;
 }
+
+} // namespace
 
 std::size_t allocatedBytes()
 {
@@ -45,18 +45,11 @@ std::size_t threadCount()
     return count;
 }
 
-std::size_t handleCount()
+std::size_t openDescriptors()
 {
     DWORD count = 0;
     GetProcessHandleCount(GetCurrentProcess(), &count);
     return count;
-}
-
-} // namespace
-
-Resources Resources::now()
-{
-    return {liveAllocations(), allocatedBytes(), threadCount(), handleCount()};
 }
 
 bool isSanitized()
@@ -64,4 +57,4 @@ bool isSanitized()
     return false;
 }
 
-} // namespace Faults
+} // namespace TestSupport
