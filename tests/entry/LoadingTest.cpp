@@ -11,6 +11,13 @@ namespace {
 
 constexpr int silentHosts = 200;
 
+/// Less than a plug-in object takes. AddressSanitizer's runtime keeps a record of each destructor that a library
+/// registers for the process's end, and keeps it when the library goes; what we leave, LeakSanitizer reports.
+std::size_t mostBytesOfALoad()
+{
+    return TestSupport::isSanitized() ? 512 : 64;
+}
+
 class Loading : public WithHost {
 protected:
     // Hosts that do not answer, and at last an address that is refused at once: when that has been counted, the probes
@@ -93,7 +100,7 @@ TEST_F(Loading, AHundredLoadsLeaveNothingBehind)
     for (int n = 0; n < 100; ++n)
         cycle();
     EXPECT_EQ(TestSupport::openDescriptors(), descriptors);
-    EXPECT_LE(TestSupport::allocatedBytes(), bytes + 100 * 64) << "each plug-in object is larger than that";
+    EXPECT_LE(TestSupport::allocatedBytes(), bytes + 100 * mostBytesOfALoad());
 }
 
 TEST_F(Loading, ALoadWithoutInitLeavesNothingBehindEither)
