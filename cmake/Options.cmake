@@ -39,6 +39,9 @@ endif()
 add_library(pd_options INTERFACE)
 target_compile_options(pd_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
   -Woverloaded-virtual -Werror)
+if(CMAKE_UNITY_BUILD) # GCC takes what is unnamed in an included source for something of a header
+  target_compile_options(pd_options INTERFACE -Wno-subobject-linkage)
+endif()
 target_include_directories(pd_options INTERFACE "${CMAKE_SOURCE_DIR}")
 target_link_libraries(pd_options INTERFACE Threads::Threads)
 

@@ -1,6 +1,7 @@
 #include "host/Platform.h"
 
 #include "host/Errors.h"
+#include "host/FreeMemory_windows.h"
 #include "host/Paths.h"
 #include "host/WindowsText.h"
 
@@ -27,10 +28,6 @@ HANDLE handleOf(Stream stream)
 {
     return GetStdHandle(stream == Stream::Output ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
 }
-
-struct FreeMemory {
-    void operator()(void* block) const { LocalFree(block); }
-};
 
 void restoreConsole()
 {

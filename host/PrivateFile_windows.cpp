@@ -1,6 +1,7 @@
 #include "host/PrivateFile.h"
 
 #include "host/Errors.h"
+#include "host/FreeMemory_windows.h"
 #include "host/WindowsText.h"
 
 #include <memory>
@@ -22,10 +23,6 @@ struct CloseFile {
     void operator()(HANDLE handle) const { CloseHandle(handle); }
 };
 using File = std::unique_ptr<void, CloseFile>;
-
-struct FreeMemory {
-    void operator()(void* block) const { LocalFree(block); }
-};
 
 [[noreturn]] void refuse(const std::string& path, const std::string& option, DWORD error)
 {

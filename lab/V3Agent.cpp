@@ -6,8 +6,8 @@
 namespace Lab {
 namespace {
 
-constexpr std::int64_t boots = 1;
-constexpr std::int64_t time = 1;
+constexpr std::int64_t engineBoots = 1;
+constexpr std::int64_t engineTime = 1;
 constexpr std::size_t largestAnswer = 65507;
 
 ByteView bytesOf(const std::string& text)
@@ -80,8 +80,8 @@ std::size_t V3Agent::answer(ByteView datagram, const Device& device, std::span<s
     auto answer = request ? answerTo(*request, device) : std::nullopt;
     if (!answer)
         return 0;
-    answer->boots = boots;
-    answer->time = time;
+    answer->boots = engineBoots;
+    answer->time = engineTime;
     const Bytes bytes = answer->encoded();
     if (bytes.size() > out.size())
         return 0;

@@ -7,7 +7,7 @@ build_windows() {
     libraries=$(scripts/windows-libraries.sh)
     if [ ! -f build-windows/build.ninja ]; then
         cmake -S . -B build-windows -G Ninja -DCMAKE_TOOLCHAIN_FILE=cmake/windows.cmake \
-            -DPD_WINDOWS_LIBRARIES="$libraries" -DPD_BENCH=OFF >&2
+            -DPD_WINDOWS_LIBRARIES="$libraries" -DPD_BENCH=OFF "${unity_build[@]}" >&2
     elif ! grep -qx "PD_WINDOWS_LIBRARIES:PATH=$libraries" build-windows/CMakeCache.txt; then
         cmake -S . -B build-windows -DPD_WINDOWS_LIBRARIES="$libraries" >&2
     fi

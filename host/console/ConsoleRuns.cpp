@@ -14,7 +14,7 @@ namespace Host {
 
 namespace {
 
-bool isOver(const ConsoleRuns::Run& run)
+bool hasEnded(const ConsoleRuns::Run& run)
 {
     return !run->running();
 }
@@ -47,7 +47,7 @@ ConsoleRuns::Run ConsoleRuns::start(RunRequest request)
 
 void ConsoleRuns::makeRoom(std::uint64_t addresses)
 {
-    while (static_cast<std::size_t>(std::count_if(runs_.begin(), runs_.end(), isOver)) >= MostEnded)
+    while (static_cast<std::size_t>(std::count_if(runs_.begin(), runs_.end(), hasEnded)) >= MostEnded)
         dropOldest();
     while (addressesHeld() + addresses > MostAddressesHeld)
         if (!dropOldest())
@@ -59,7 +59,7 @@ void ConsoleRuns::makeRoom(std::uint64_t addresses)
 /// Of those that are over; whether there was one.
 bool ConsoleRuns::dropOldest()
 {
-    const auto oldest = std::find_if(runs_.begin(), runs_.end(), isOver);
+    const auto oldest = std::find_if(runs_.begin(), runs_.end(), hasEnded);
     if (oldest == runs_.end())
         return false;
     runs_.erase(oldest);

@@ -74,7 +74,7 @@ Trick silentToGets()
     };
 }
 
-constexpr NamedTrick tricks[] = {
+constexpr NamedTrick deliveryTrickList[] = {
     {"replies-from-other-address", sentFrom<Reply::From::OtherAddress>},
     {"replies-from-other-port", sentFrom<Reply::From::OtherPort>},
     {"duplicated-replies", duplicated},
@@ -89,7 +89,7 @@ constexpr NamedTrick tricks[] = {
 
 std::span<const NamedTrick> deliveryTricks()
 {
-    return tricks;
+    return deliveryTrickList;
 }
 
 } // namespace Lab

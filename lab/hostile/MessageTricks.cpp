@@ -169,7 +169,7 @@ template <int status> Bytes failing(Packet& packet)
     return packet.encoded();
 }
 
-constexpr NamedTrick tricks[] = {
+constexpr NamedTrick messageTrickList[] = {
     {"truncated-messages", truncated},
     {"overlong-messages", spoiling<overlong>},
     {"lying-lengths", spoiling<lengthBeyondTheEnd, lengthWithoutAnEnd, lengthBeyondItsBinding, lengthOfNothing>},
@@ -187,7 +187,7 @@ constexpr NamedTrick tricks[] = {
 
 std::span<const NamedTrick> messageTricks()
 {
-    return tricks;
+    return messageTrickList;
 }
 
 } // namespace Lab

@@ -63,7 +63,7 @@ std::uint32_t theOtherOfTwo(std::uint32_t row)
     return row == 1 ? 2 : 1;
 }
 
-constexpr NamedTrick tricks[] = {
+constexpr NamedTrick tableTrickList[] = {
     {"endless-table-fast", table<following>},    {"endless-table-slow", table<following, slowly.count()>},
     {"repeating-table", table<alwaysTheFirst>},  {"backward-table", table<before>},
     {"alternating-table", table<theOtherOfTwo>},
@@ -73,7 +73,7 @@ constexpr NamedTrick tricks[] = {
 
 std::span<const NamedTrick> tableTricks()
 {
-    return tricks;
+    return tableTrickList;
 }
 
 } // namespace Lab

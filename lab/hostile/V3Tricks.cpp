@@ -60,7 +60,7 @@ Trick emptyEngineId()
     });
 }
 
-constexpr NamedTrick tricks[] = {
+constexpr NamedTrick v3TrickList[] = {
     {"v3-report-loop", reportLoop},       {"v3-engine-loop", engineLoop},        {"v3-clock-at-limit", clockAt<limit>},
     {"v3-clock-below-zero", clockAt<-1>}, {"v3-empty-engine-id", emptyEngineId},
 };
@@ -69,7 +69,7 @@ constexpr NamedTrick tricks[] = {
 
 std::span<const NamedTrick> v3Tricks()
 {
-    return tricks;
+    return v3TrickList;
 }
 
 } // namespace Lab

@@ -7,7 +7,7 @@ namespace NetworkTests {
 std::vector<std::string> hostileNames()
 {
     std::vector<std::string> names;
-    for (const auto& [name, profile] : Lab::hostileProfiles()) {
+    for (const auto& [name, profile] : ::Lab::hostileProfiles()) {
         names.push_back(name);
     }
     return names;

@@ -6,15 +6,10 @@
 #include <ares.h>
 
 #include <chrono>
-#include <cstdint>
 #include <span>
 #include <string_view>
 
 namespace Kep::Net {
-
-/// Has the channel look up the names of `address` (first octet in the most significant byte). `callback` is called
-/// with `argument` once, possibly before this returns, at the latest when the channel is destroyed.
-void startReverseLookup(ares_channel channel, std::uint32_t address, ares_host_callback callback, void* argument);
 
 /// The official name in an entry, which owns it; empty when it has none.
 std::string_view officialName(const hostent& host);

@@ -3,17 +3,10 @@
 #include <array>
 #include <cstddef>
 
-#include <arpa/inet.h>
 #include <netdb.h>
 #include <poll.h>
 
 namespace Kep::Net {
-
-void startReverseLookup(ares_channel channel, std::uint32_t address, ares_host_callback callback, void* argument)
-{
-    const std::uint32_t octets = htonl(address);
-    ares_gethostbyaddr(channel, &octets, sizeof octets, AF_INET, callback, argument);
-}
 
 std::string_view officialName(const hostent& host)
 {

@@ -8,12 +8,6 @@
 
 namespace Kep::Net {
 
-void startReverseLookup(ares_channel channel, std::uint32_t address, ares_host_callback callback, void* argument)
-{
-    const std::uint32_t octets = htonl(address);
-    ares_gethostbyaddr(channel, &octets, sizeof octets, AF_INET, callback, argument);
-}
-
 std::string_view officialName(const hostent& host)
 {
     return host.h_name == nullptr ? std::string_view() : std::string_view(host.h_name);

@@ -68,6 +68,14 @@ void takeAnswer(void* argument, int status, int /*timeouts*/, hostent* host) noe
     }
 }
 
+// Has the channel look up the names of `address`, and put them into `answer`.
+void ask(ares_channel channel, std::uint32_t address, Answer& answer)
+{
+    const auto octet = [address](int shift) { return static_cast<unsigned char>(address >> shift); };
+    const std::array<unsigned char, 4> octets{octet(24), octet(16), octet(8), octet(0)};
+    ares_gethostbyaddr(channel, octets.data(), static_cast<int>(octets.size()), AF_INET, takeAnswer, &answer);
+}
+
 // How long the channel may sleep: until its next time-out, but not beyond `deadline`.
 milliseconds sleepOf(ares_channel channel, steady_clock::time_point deadline)
 {
@@ -119,7 +127,7 @@ std::string reverseLookup(std::uint32_t address, const std::string& servers)
     Answer answer; // outlives the channel, whose end may still call back
     const Channel channel = openChannel(servers);
     const auto deadline = steady_clock::now() + limit;
-    startReverseLookup(channel.get(), address, takeAnswer, &answer);
+    ask(channel.get(), address, answer);
     while (!answer.arrived && steady_clock::now() < deadline) {
         process(channel.get(), sleepOf(channel.get(), deadline));
     }

@@ -46,8 +46,9 @@ bool isUnreachable(int error)
 // A route that is missing at the moment, or a neighbour that does not answer at the moment.
 bool isSoft(const sock_extended_err& error)
 {
-    if (error.ee_origin != SO_EE_ORIGIN_ICMP)
+    if (error.ee_origin != SO_EE_ORIGIN_ICMP) {
         return false;
+    }
     return error.ee_type == ICMP_TIME_EXCEEDED ||
            (error.ee_type == ICMP_DEST_UNREACH &&
             (error.ee_code == ICMP_NET_UNREACH || error.ee_code == ICMP_HOST_UNREACH));
@@ -60,12 +61,14 @@ std::optional<sock_extended_err> takeQueuedError(int handle)
     msghdr message{};
     message.msg_control = control.data();
     message.msg_controllen = control.size();
-    if (::recvmsg(handle, &message, MSG_ERRQUEUE | MSG_DONTWAIT) < 0)
+    if (::recvmsg(handle, &message, MSG_ERRQUEUE | MSG_DONTWAIT) < 0) {
         return std::nullopt;
+    }
     sock_extended_err error{};
     if (const cmsghdr* const header = CMSG_FIRSTHDR(&message);
-        header != nullptr && header->cmsg_level == IPPROTO_IP && header->cmsg_type == IP_RECVERR)
+        header != nullptr && header->cmsg_level == IPPROTO_IP && header->cmsg_type == IP_RECVERR) {
         std::memcpy(&error, CMSG_DATA(header), sizeof error);
+    }
     return error;
 }
 
@@ -79,12 +82,14 @@ void askForErrors(int handle)
 int openSocket(const sockaddr_in& peer)
 {
     const int handle = ::socket(AF_INET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    if (handle < 0)
+    if (handle < 0) {
         throwLastError("socket");
+    }
     askForErrors(handle);
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface wants it so
-    if (::connect(handle, reinterpret_cast<const sockaddr*>(&peer), sizeof peer) == 0)
+    if (::connect(handle, reinterpret_cast<const sockaddr*>(&peer), sizeof peer) == 0) {
         return handle;
+    }
     const int error = errno;
     ::close(handle);
     errno = error;
@@ -113,8 +118,9 @@ void UdpSocket::send(std::span<const unsigned char> packet)
                errno == ENOBUFS;
     };
     // The error may be that of an earlier packet, and then this one has not been sent.
-    if (!trySend() && !(isUnreachable(errno) && takeSoftErrors() && trySend()))
+    if (!trySend() && !(isUnreachable(errno) && takeSoftErrors() && trySend())) {
         throwLastError("send");
+    }
 }
 
 bool UdpSocket::waitReadable(std::chrono::steady_clock::time_point deadline)
@@ -122,26 +128,31 @@ bool UdpSocket::waitReadable(std::chrono::steady_clock::time_point deadline)
     pollfd wanted{static_cast<int>(handle_), POLLIN, 0};
     for (;;) {
         const int ready = ::poll(&wanted, 1, pollTimeout(deadline));
-        if (ready > 0)
+        if (ready > 0) {
             return true;
-        if (ready < 0 && errno != EINTR)
+        }
+        if (ready < 0 && errno != EINTR) {
             throwLastError("poll");
-        if (ready == 0 && std::chrono::steady_clock::now() >= deadline)
+        }
+        if (ready == 0 && std::chrono::steady_clock::now() >= deadline) {
             return false;
+        }
     }
 }
 
 std::optional<std::size_t> UdpSocket::receive(std::span<unsigned char> buffer)
 {
     const ssize_t size = ::recv(static_cast<int>(handle_), buffer.data(), buffer.size(), 0);
-    if (size >= 0)
+    if (size >= 0) {
         return static_cast<std::size_t>(size);
+    }
     if (isPassing(errno)) {
         takeSoftErrors();
         return std::nullopt;
     }
-    if (!isUnreachable(errno) || !takeSoftErrors())
+    if (!isUnreachable(errno) || !takeSoftErrors()) {
         throwLastError("recv");
+    }
     return std::nullopt;
 }
 
@@ -165,9 +176,11 @@ bool isShortage(const std::error_code& error)
 {
     for (const auto shortage :
          {std::errc::too_many_files_open, std::errc::too_many_files_open_in_system,
-          std::errc::resource_unavailable_try_again, std::errc::no_buffer_space, std::errc::not_enough_memory})
-        if (error == shortage)
+          std::errc::resource_unavailable_try_again, std::errc::no_buffer_space, std::errc::not_enough_memory}) {
+        if (error == shortage) {
             return true;
+        }
+    }
     return false;
 }
 

@@ -13,8 +13,9 @@ namespace {
 SOCKET openSocket(std::uint32_t address, std::uint16_t port)
 {
     const SOCKET handle = connectUdp(address, port);
-    if (handle == INVALID_SOCKET)
+    if (handle == INVALID_SOCKET) {
         throwWinsockFailure("connect");
+    }
     return handle;
 }
 
@@ -38,23 +39,28 @@ UdpSocket::~UdpSocket()
 void UdpSocket::send(std::span<const unsigned char> packet)
 {
     const auto* bytes = reinterpret_cast<const char*>(packet.data());
-    if (::send(static_cast<SOCKET>(handle_), bytes, static_cast<int>(packet.size()), 0) >= 0)
+    if (::send(static_cast<SOCKET>(handle_), bytes, static_cast<int>(packet.size()), 0) >= 0) {
         return;
+    }
     const int error = WSAGetLastError();
-    if (error != WSAEWOULDBLOCK && error != WSAENOBUFS)
+    if (error != WSAEWOULDBLOCK && error != WSAENOBUFS) {
         throwWinsockFailure("send");
+    }
 }
 
 bool UdpSocket::waitReadable(std::chrono::steady_clock::time_point deadline)
 {
     for (;;) {
         const Input input = waitForInput(static_cast<SOCKET>(handle_), pollTimeout(deadline));
-        if (input == Input::failed)
+        if (input == Input::failed) {
             throwWinsockFailure("poll");
-        if (input == Input::ready)
+        }
+        if (input == Input::ready) {
             return true;
-        if (std::chrono::steady_clock::now() >= deadline)
+        }
+        if (std::chrono::steady_clock::now() >= deadline) {
             return false;
+        }
     }
 }
 
@@ -62,13 +68,16 @@ std::optional<std::size_t> UdpSocket::receive(std::span<unsigned char> buffer)
 {
     auto* bytes = reinterpret_cast<char*>(buffer.data());
     const int size = ::recv(static_cast<SOCKET>(handle_), bytes, static_cast<int>(buffer.size()), 0);
-    if (size >= 0)
+    if (size >= 0) {
         return static_cast<std::size_t>(size);
+    }
     const int error = WSAGetLastError();
-    if (error == WSAEMSGSIZE)
+    if (error == WSAEMSGSIZE) {
         return buffer.size();
-    if (error != WSAEWOULDBLOCK)
+    }
+    if (error != WSAEWOULDBLOCK) {
         throwWinsockFailure("recv");
+    }
     return std::nullopt;
 }
 

@@ -7,7 +7,7 @@
 namespace NetworkTests {
 namespace {
 
-constexpr std::chrono::seconds bound(30);
+constexpr std::chrono::seconds nmbdBound(30);
 
 /// An address with its mask is the one form in which nmbd takes a loopback address as its interface.
 std::string writeConfiguration(const TemporaryFolder& folder, const std::string& address, const std::string& name)
@@ -34,9 +34,9 @@ Nmbd::Nmbd(const TestNetwork& network, const std::string& address, const std::st
 {
     const auto named = [&] {
         const Command question = {.words = {"nmblookup", "-s", configuration_, "-A", address}, .network = &network};
-        return run(question, bound).output.find(name) != std::string::npos;
+        return run(question, nmbdBound).output.find(name) != std::string::npos;
     };
-    if (!waitFor([&] { return !process_.running() || named(); }, bound) || !process_.running()) {
+    if (!waitFor([&] { return !process_.running() || named(); }, nmbdBound) || !process_.running()) {
         throw std::runtime_error("nmbd does not answer: " + process_.output() + process_.errors());
     }
 }

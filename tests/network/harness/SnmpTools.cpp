@@ -7,7 +7,7 @@
 namespace NetworkTests {
 namespace {
 
-constexpr std::chrono::seconds bound(30);
+constexpr std::chrono::seconds toolBound(30);
 constexpr char systemDescription[] = ".1.3.6.1.2.1.1.1.0";
 
 Finished snmpget(const Endpoint& agent, const SnmpProfile& profile, const std::string& oid,
@@ -19,7 +19,7 @@ Finished snmpget(const Endpoint& agent, const SnmpProfile& profile, const std::s
     words.insert(words.end(), patience.begin(), patience.end());
     words.push_back(agent.text());
     words.push_back(oid);
-    return run({.words = words, .environment = {{"MIBS", ""}}, .network = network}, bound);
+    return run({.words = words, .environment = {{"MIBS", ""}}, .network = network}, toolBound);
 }
 
 } // namespace
@@ -46,7 +46,7 @@ void waitUntilAnswers(ChildProcess& program, const Endpoint& agent, const SnmpPr
 {
     // Asked too early, the tool waits for its whole time-out, so that is short.
     const auto answered = [&] { return answers(agent, profile, network, "0.1"); };
-    const bool ready = waitFor([&] { return !program.running() || answered(); }, bound) && program.running();
+    const bool ready = waitFor([&] { return !program.running() || answered(); }, toolBound) && program.running();
     if (!ready) {
         throw std::runtime_error("the agent at " + agent.text() + " does not answer: " + program.output() +
                                  program.errors());

@@ -7,7 +7,7 @@
 namespace NetworkTests {
 namespace {
 
-constexpr std::chrono::seconds bound(20);
+constexpr std::chrono::seconds commandBound(20);
 
 /// `unshare` and its options: an ordinary user becomes root of a user namespace first.
 std::vector<std::string> newNetwork()
@@ -27,7 +27,7 @@ bool TestNetwork::permitted()
     static const bool result = [] {
         std::vector<std::string> words = newNetwork();
         words.emplace_back("true");
-        return run({.words = words}, bound).status == 0;
+        return run({.words = words}, commandBound).status == 0;
     }();
     return result;
 }
@@ -46,7 +46,7 @@ TestNetwork::TestNetwork(const Files& files)
     words.insert(words.end(), {"sh", "-c", script + "echo ready; read -r line", "sh"});
     words.insert(words.end(), arguments.begin(), arguments.end());
     holder_ = std::make_unique<ChildProcess>(Command{.words = words});
-    if (holder_->readLine(bound) != "ready") {
+    if (holder_->readLine(commandBound) != "ready") {
         throw std::runtime_error("no network of its own for the test: " + holder_->errors());
     }
 }

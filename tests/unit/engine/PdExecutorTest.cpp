@@ -340,8 +340,8 @@ TEST_F(Run, DestructionIsHeldUpByAProbeOnAnotherThread)
 
 TEST_F(Run, EverythingAtOnce)
 {
-    for (int host = 1; host < 100; host += 3)
-        snmp.agent("10.0.0." + std::to_string(host)).isPrinter();
+    for (int octet = 1; octet < 100; octet += 3)
+        snmp.agent("10.0.0." + std::to_string(octet)).isPrinter();
     run().resetProgress(3 * 254);
     sweep("10.0.0.1", "10.0.2.254");
     std::vector<std::thread> threads;

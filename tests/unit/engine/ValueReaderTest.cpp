@@ -17,7 +17,7 @@ using Fakes::throwing;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::string wait = "sleep 1000 ms";
+const std::string pause = "sleep 1000 ms";
 
 class ValueOfAnAgent : public testing::Test {
 protected:
@@ -64,7 +64,7 @@ TEST_F(ValueOfAnAgent, IsAskedThreeTimesWithPausesBetween)
 {
     EXPECT_FALSE(read({".1.1"}));
     EXPECT_EQ(out, "before");
-    EXPECT_THAT(asked(), ElementsAre("get .1.1", wait, "get .1.1", wait, "get .1.1"));
+    EXPECT_THAT(asked(), ElementsAre("get .1.1", pause, "get .1.1", pause, "get .1.1"));
 }
 
 TEST_F(ValueOfAnAgent, MayComeAtTheSecondAttempt)
@@ -72,7 +72,7 @@ TEST_F(ValueOfAnAgent, MayComeAtTheSecondAttempt)
     onGet(".1.1", {noAnswer(), answer("late")});
     EXPECT_TRUE(read({".1.1"}));
     EXPECT_EQ(out, "late");
-    EXPECT_THAT(asked(), ElementsAre("get .1.1", wait, "get .1.1"));
+    EXPECT_THAT(asked(), ElementsAre("get .1.1", pause, "get .1.1"));
 }
 
 TEST_F(ValueOfAnAgent, MayComeAtTheThirdAttempt)
@@ -93,7 +93,7 @@ TEST_F(ValueOfAnAgent, FallsToTheNextOidWithoutAPause)
     onGet(".1.2", {answer("two")});
     EXPECT_TRUE(read({".1.1", ".1.2"}));
     EXPECT_EQ(out, "two");
-    EXPECT_THAT(asked(), ElementsAre("get .1.1", wait, "get .1.1", wait, "get .1.1", "get .1.2"));
+    EXPECT_THAT(asked(), ElementsAre("get .1.1", pause, "get .1.1", pause, "get .1.1", "get .1.2"));
 }
 
 TEST_F(ValueOfAnAgent, IsNotTriedAgainWhenItIsEmpty)
@@ -109,14 +109,14 @@ TEST_F(ValueOfAnAgent, MayBeEmptyAfterAFailedAttempt)
 {
     onGet(".1.1", {noAnswer(), answer(""), answer("late")});
     EXPECT_FALSE(read({".1.1"}));
-    EXPECT_THAT(asked(), ElementsAre("get .1.1", wait, "get .1.1"));
+    EXPECT_THAT(asked(), ElementsAre("get .1.1", pause, "get .1.1"));
 }
 
 TEST_F(ValueOfAnAgent, HasThreeAttemptsForEachOid)
 {
     EXPECT_FALSE(read({".1.1", ".1.2"}));
-    EXPECT_THAT(asked(), ElementsAre("get .1.1", wait, "get .1.1", wait, "get .1.1", "get .1.2", wait, "get .1.2", wait,
-                                     "get .1.2"));
+    EXPECT_THAT(asked(), ElementsAre("get .1.1", pause, "get .1.1", pause, "get .1.1", "get .1.2", pause, "get .1.2",
+                                     pause, "get .1.2"));
 }
 
 TEST_F(ValueOfAnAgent, OfNoOidIsNone)

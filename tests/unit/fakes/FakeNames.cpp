@@ -8,20 +8,20 @@
 namespace Fakes {
 namespace {
 
-FakeNames* current = nullptr;
+FakeNames* currentNames = nullptr;
 
 } // namespace
 
 FakeNames::FakeNames()
 {
-    if (current)
+    if (currentNames)
         throw std::logic_error("there are fake names already");
-    current = this;
+    currentNames = this;
 }
 
 FakeNames::~FakeNames()
 {
-    current = nullptr;
+    currentNames = nullptr;
 }
 
 void FakeNames::netbios(const std::string& address, const std::string& name)
@@ -54,11 +54,11 @@ std::string FakeNames::lookUp(const std::string& service, unsigned long address)
 {
     const std::string key = service + " " + Kep::Net::formatIpAddress(static_cast<std::uint32_t>(address));
     Journal::record(key);
-    if (!current)
+    if (!currentNames)
         return {};
-    const Kep::MutexLock lock(current->mutex_);
-    const auto found = current->results_.find(key);
-    if (found == current->results_.end())
+    const Kep::MutexLock lock(currentNames->mutex_);
+    const auto found = currentNames->results_.find(key);
+    if (found == currentNames->results_.end())
         return {};
     if (found->second.failure)
         std::rethrow_exception(found->second.failure);

@@ -12,7 +12,7 @@ namespace {
 
 using PrinterDiscoveryPlugin::PdExecutor;
 
-Journal* current = nullptr;
+Journal* currentJournal = nullptr;
 
 // The mutex of a run is its own affair, and so is what is inside of it. Access is not checked in the arguments of an
 // explicit instantiation, which is how their addresses come out.
@@ -46,25 +46,25 @@ bool isMutexFree(PdExecutor& run)
 
 Journal::Journal()
 {
-    if (current)
+    if (currentJournal)
         throw std::logic_error("there is a journal already");
-    current = this;
+    currentJournal = this;
 }
 
 Journal::~Journal()
 {
-    current = nullptr;
+    currentJournal = nullptr;
 }
 
 bool Journal::record(const std::string& text)
 {
-    if (!current)
+    if (!currentJournal)
         return true;
-    Kep::MutexLock lock(current->mutex_);
-    const bool mutexFree = !current->watched_ || isMutexFree(*current->watched_);
-    current->entries_.push_back({text, mutexFree});
-    const auto found = current->actions_.find(text);
-    const std::function<void()> action = found == current->actions_.end() ? nullptr : found->second;
+    Kep::MutexLock lock(currentJournal->mutex_);
+    const bool mutexFree = !currentJournal->watched_ || isMutexFree(*currentJournal->watched_);
+    currentJournal->entries_.push_back({text, mutexFree});
+    const auto found = currentJournal->actions_.find(text);
+    const std::function<void()> action = found == currentJournal->actions_.end() ? nullptr : found->second;
     lock.unlock();
     if (action)
         action();

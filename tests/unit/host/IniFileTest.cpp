@@ -26,7 +26,7 @@ std::string read(std::string_view text)
     return shown;
 }
 
-std::string refusal(std::string_view text)
+std::string iniRefusal(std::string_view text)
 {
     try {
         return read(text);
@@ -67,18 +67,19 @@ TEST(IniFiles, QuotesKeepBlanksAndQuotes)
 
 TEST(IniFiles, LinesOfAnotherFormAreRefusedAndNotRepeated)
 {
-    EXPECT_THAT(refusal("[a]\nx = 1\ns3cret\n"),
+    EXPECT_THAT(iniRefusal("[a]\nx = 1\ns3cret\n"),
                 AllOf(HasSubstr("f:3:"), HasSubstr("KEY = VALUE"), Not(HasSubstr("s3cret"))));
-    EXPECT_THAT(refusal("[a]\n= s3cret\n"), AllOf(HasSubstr("f:2:"), Not(HasSubstr("s3cret"))));
+    EXPECT_THAT(iniRefusal("[a]\n= s3cret\n"), AllOf(HasSubstr("f:2:"), Not(HasSubstr("s3cret"))));
     for (const char* text : {"[a", "[]", "[ ]", "["})
-        EXPECT_THAT(refusal(text), AllOf(HasSubstr("f:1:"), HasSubstr("[NAME]"))) << text;
-    EXPECT_THAT(refusal("x = s3cret\n[a]\n"), AllOf(HasSubstr("f:1:"), HasSubstr("[NAME]"), Not(HasSubstr("s3cret"))));
+        EXPECT_THAT(iniRefusal(text), AllOf(HasSubstr("f:1:"), HasSubstr("[NAME]"))) << text;
+    EXPECT_THAT(iniRefusal("x = s3cret\n[a]\n"),
+                AllOf(HasSubstr("f:1:"), HasSubstr("[NAME]"), Not(HasSubstr("s3cret"))));
 }
 
 TEST(IniFiles, NothingIsGivenTwice)
 {
-    EXPECT_THAT(refusal("[a]\n[b]\n[a]\n"), HasSubstr("f:3: there is a section of this name already"));
-    EXPECT_THAT(refusal("[a]\nx = 1\nx = 2\n"), HasSubstr("f:3: the section has this key already"));
+    EXPECT_THAT(iniRefusal("[a]\n[b]\n[a]\n"), HasSubstr("f:3: there is a section of this name already"));
+    EXPECT_THAT(iniRefusal("[a]\nx = 1\nx = 2\n"), HasSubstr("f:3: the section has this key already"));
     EXPECT_EQ(read("[a]\nx = 1\n[b]\nx = 2\n"), "[a] x=1[b] x=2");
 }
 

@@ -29,7 +29,7 @@ std::string written(const RunOutcomes& outcomes, OutcomeFormat format)
     return text;
 }
 
-std::string refusal(std::string_view path)
+std::string fileRefusal(std::string_view path)
 {
     try {
         outcomeFormatOf(path, "--outcomes");
@@ -44,7 +44,7 @@ TEST(OutcomeFormats, FollowTheNameOfTheFile)
     EXPECT_EQ(outcomeFormatOf("a/b.csv", "--outcomes"), OutcomeFormat::Csv);
     EXPECT_EQ(outcomeFormatOf("b.jsonl", "--outcomes"), OutcomeFormat::JsonLines);
     for (const char* path : {"", "b", "b.json", "b.CSV", "csv", "b.csv.gz"})
-        EXPECT_THAT(refusal(path), AllOf(HasSubstr("--outcomes: "), HasSubstr(".csv and .jsonl"))) << path;
+        EXPECT_THAT(fileRefusal(path), AllOf(HasSubstr("--outcomes: "), HasSubstr(".csv and .jsonl"))) << path;
 }
 
 TEST(OutcomeFormats, LinesNameAddressOutcomeAndProblem)

@@ -25,7 +25,7 @@ AddressRanges range(const char* from, const char* to)
     return {{at(from), at(to)}};
 }
 
-std::string refusal(std::string_view text)
+std::string targetRefusal(std::string_view text)
 {
     try {
         parseTargets(text);
@@ -85,7 +85,7 @@ TEST(Targets, WhatHoldsNoAddressToProbeIsRefused)
     for (const char* text :
          {"10.0.1.0", "10.0.1.255", "0.0.0.0", "255.255.255.255", "10.0.1.0/32", "10.0.1.255/32", "10.0.0.255-10.0.1.0",
           "10.0.1.0-10.0.1.0", "255.255.255.255/32", "255.255.255.255-255.255.255.255"})
-        EXPECT_THAT(refusal(text), AllOf(HasSubstr(text), HasSubstr("holds no address to probe"))) << text;
+        EXPECT_THAT(targetRefusal(text), AllOf(HasSubstr(text), HasSubstr("holds no address to probe"))) << text;
 }
 
 TEST(Targets, OneProbedAddressIsEnough)
@@ -105,21 +105,21 @@ TEST(Targets, HoldingNoAddressAgreesWithLookingAtEach)
             for (std::uint32_t address = from; address <= to; ++address)
                 probed = probed || (address % 256 != 0 && address % 256 != 255);
             const std::string text = addressText(from) + "-" + addressText(to);
-            EXPECT_EQ(refusal(text) == "accepted", probed) << text;
+            EXPECT_EQ(targetRefusal(text) == "accepted", probed) << text;
         }
 }
 
 TEST(Targets, ReversedRangesAreRefused)
 {
-    EXPECT_THAT(refusal("10.0.0.9-10.0.0.1"), AllOf(HasSubstr("\"10.0.0.9-10.0.0.1\""), HasSubstr("reversed")));
-    EXPECT_THAT(refusal("10.0.1.1-10.0.0.1"), HasSubstr("reversed"));
-    EXPECT_THAT(refusal("255.255.255.255-0.0.0.0"), HasSubstr("reversed"));
+    EXPECT_THAT(targetRefusal("10.0.0.9-10.0.0.1"), AllOf(HasSubstr("\"10.0.0.9-10.0.0.1\""), HasSubstr("reversed")));
+    EXPECT_THAT(targetRefusal("10.0.1.1-10.0.0.1"), HasSubstr("reversed"));
+    EXPECT_THAT(targetRefusal("255.255.255.255-0.0.0.0"), HasSubstr("reversed"));
 }
 
 TEST(Targets, PrefixesBeyond32AreRefused)
 {
-    EXPECT_THAT(refusal("10.0.0.0/33"), HasSubstr("0 to 32"));
-    EXPECT_THAT(refusal("10.0.0.0/99"), HasSubstr("0 to 32"));
+    EXPECT_THAT(targetRefusal("10.0.0.0/33"), HasSubstr("0 to 32"));
+    EXPECT_THAT(targetRefusal("10.0.0.0/99"), HasSubstr("0 to 32"));
 }
 
 TEST(Targets, MalformedTextsAreRefusedWithWhatIsAccepted)
@@ -174,7 +174,8 @@ TEST(Targets, MalformedTextsAreRefusedWithWhatIsAccepted)
                              "fe80::1/64",
                              "10.0.0.1-fe80::1",
                              "١٠.0.0.1"})
-        EXPECT_THAT(refusal(text), AllOf(HasSubstr("is no address"), HasSubstr("10.0.0.0/24"))) << '"' << text << '"';
+        EXPECT_THAT(targetRefusal(text), AllOf(HasSubstr("is no address"), HasSubstr("10.0.0.0/24")))
+            << '"' << text << '"';
 }
 
 AddressRanges all(std::initializer_list<const char*> addresses)
@@ -246,26 +247,26 @@ TEST(Targets, OctetsAreRefusedAsAddressesAre)
           "10.0.0.01-9",   "10.0.0.1-09",         "10.0.0.*",     "10.0.0.1,",          ",10.0.0.1",
           "10.0.0.1,,5",   "10.0.0,10.0.0.1",     "10.0.0.1,5.6", "10.0.0.0/24,5",      "10.0.0.1-10.0.0.9,5",
           "10.0.0-1.0/24", "10.0.0.1-5-10.0.0.9", "1-2",          "10.0.0.1, 10.0.0.2", "10.0.0.1;5"})
-        EXPECT_THAT(refusal(text), HasSubstr("is no address")) << text;
-    EXPECT_THAT(refusal("10.0.3-1.1-254"), AllOf(HasSubstr("reversed"), HasSubstr("3 is above 1")));
-    EXPECT_THAT(refusal("10.0.0.5-4"), AllOf(HasSubstr("reversed"), HasSubstr("5 is above 4")));
-    EXPECT_THAT(refusal("10.0.0-9.0,255"), HasSubstr("holds no address to probe"));
-    EXPECT_EQ(refusal("10.0.0-9.0-1"), "accepted");
+        EXPECT_THAT(targetRefusal(text), HasSubstr("is no address")) << text;
+    EXPECT_THAT(targetRefusal("10.0.3-1.1-254"), AllOf(HasSubstr("reversed"), HasSubstr("3 is above 1")));
+    EXPECT_THAT(targetRefusal("10.0.0.5-4"), AllOf(HasSubstr("reversed"), HasSubstr("5 is above 4")));
+    EXPECT_THAT(targetRefusal("10.0.0-9.0,255"), HasSubstr("holds no address to probe"));
+    EXPECT_EQ(targetRefusal("10.0.0-9.0-1"), "accepted");
 }
 
 TEST(Targets, TheOneAtFaultIsNamed)
 {
-    EXPECT_THAT(refusal("10.0.0.1,10.0.0.300,10.0.0.2"), HasSubstr("\"10.0.0.300\" is no address"));
-    EXPECT_THAT(refusal("10.0.0.1,10.0.1.0"), HasSubstr("\"10.0.1.0\" holds no"));
+    EXPECT_THAT(targetRefusal("10.0.0.1,10.0.0.300,10.0.0.2"), HasSubstr("\"10.0.0.300\" is no address"));
+    EXPECT_THAT(targetRefusal("10.0.0.1,10.0.1.0"), HasSubstr("\"10.0.1.0\" holds no"));
 }
 
 TEST(Targets, TheNumberOfRangesIsBounded)
 {
     EXPECT_EQ(parseTargets("10.0-255.0-255.1-254").size(), MostRanges);
     for (const char* text : {"10-11.0-255.0-255.1-254", "0-255.0-255.0-255.1", "10.0-255.0-255.1-99,101-254"})
-        EXPECT_THAT(refusal(text),
+        EXPECT_THAT(targetRefusal(text),
                     AllOf(HasSubstr(text), HasSubstr("more than 65536 ranges"), HasSubstr("10.0.0.0/8")));
-    EXPECT_THAT(refusal("10.0-255.0-255.1-254,11.0.0.1"), HasSubstr("more than 65536 ranges"));
+    EXPECT_THAT(targetRefusal("10.0-255.0-255.1-254,11.0.0.1"), HasSubstr("more than 65536 ranges"));
     EXPECT_THROW(parseExcludes("0-255.0-255.0-255.1"), UsageError);
 }
 
@@ -274,7 +275,8 @@ TEST(Targets, HugeListsOfValuesAreRefusedSoonAndNotOverflown)
     std::string values = "0-255";
     for (int i = 0; i < 20000; ++i)
         values += ",0-255";
-    EXPECT_THAT(refusal(values + '.' + values + '.' + values + '.' + values), HasSubstr("more than 65536 ranges"));
+    EXPECT_THAT(targetRefusal(values + '.' + values + '.' + values + '.' + values),
+                HasSubstr("more than 65536 ranges"));
 
     // 2 to the power of 16 values in each octet: their product is that of 64 bits.
     std::string all = "0-255";
@@ -283,23 +285,23 @@ TEST(Targets, HugeListsOfValuesAreRefusedSoonAndNotOverflown)
     std::string ones = "1";
     for (int i = 1; i < 65536; ++i)
         ones += ",1";
-    EXPECT_THAT(refusal(all + '.' + all + '.' + all + '.' + ones), HasSubstr("more than 65536 ranges"));
+    EXPECT_THAT(targetRefusal(all + '.' + all + '.' + all + '.' + ones), HasSubstr("more than 65536 ranges"));
 }
 
 TEST(Targets, BytesAfterANulAreNotOverlooked)
 {
-    EXPECT_THAT(refusal(std::string_view("10.0.0.1\0x", 10)), HasSubstr("is no address"));
-    EXPECT_THAT(refusal(std::string_view("10.0.0.0/2\0"
-                                         "4",
-                                         12)),
+    EXPECT_THAT(targetRefusal(std::string_view("10.0.0.1\0x", 10)), HasSubstr("is no address"));
+    EXPECT_THAT(targetRefusal(std::string_view("10.0.0.0/2\0"
+                                               "4",
+                                               12)),
                 HasSubstr("is no address"));
 }
 
 TEST(Targets, RefusalsShowHostileTextsHarmlessly)
 {
-    EXPECT_THAT(refusal("\x1b[2J"), AllOf(HasSubstr("\\x1B[2J"), Not(HasSubstr("\x1b"))));
+    EXPECT_THAT(targetRefusal("\x1b[2J"), AllOf(HasSubstr("\\x1B[2J"), Not(HasSubstr("\x1b"))));
     const std::string longText(100000, 'x');
-    EXPECT_LT(refusal(longText).size(), 300U);
+    EXPECT_LT(targetRefusal(longText).size(), 300U);
 }
 
 TEST(Excludes, AreReadAsTargetsAre)

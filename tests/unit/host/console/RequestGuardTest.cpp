@@ -14,7 +14,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr const char* Secret = "0123456789abcdef";
+constexpr const char* GuardToken = "0123456789abcdef";
 
 /// The status with which a request is kept out; 0 when it is let in.
 int statusOf(const RequestGuard& guard, const HttpRequest& request)
@@ -128,19 +128,19 @@ TEST(RequestGuards, BodiesAreJson)
 
 TEST(RequestGuards, TheTokenGuardsAllButThePage)
 {
-    const RequestGuard guard({.address = "127.0.0.1", .port = 8631, .names = {}, .token = Token(Secret, "test")});
+    const RequestGuard guard({.address = "127.0.0.1", .port = 8631, .names = {}, .token = Token(GuardToken, "test")});
     for (const char* path : {"/", "/app.js", "/healthz", "/apis"})
         EXPECT_EQ(statusOf(guard, with(path, "")), 0) << path;
     for (const char* path : {"/api", "/api/session", "/api/runs/x", "/api/no/such", "/rpc", "/metrics"}) {
         EXPECT_EQ(statusOf(guard, with(path, "")), 401) << path;
-        EXPECT_EQ(statusOf(guard, with(path, std::string("Bearer ") + Secret)), 0) << path;
-        EXPECT_EQ(statusOf(guard, with(path, std::string("bearer ") + Secret)), 0) << path;
+        EXPECT_EQ(statusOf(guard, with(path, std::string("Bearer ") + GuardToken)), 0) << path;
+        EXPECT_EQ(statusOf(guard, with(path, std::string("bearer ") + GuardToken)), 0) << path;
     }
 }
 
 TEST(Tokens, AllowNothingButThemselves)
 {
-    const Token token(Secret, "test");
+    const Token token(GuardToken, "test");
     for (const char* wrong : {"", "Bearer", "Bearer ", "Bearer 0123456789abcdeF", "Bearer 0123456789abcde",
                               "Bearer 0123456789abcdef0", "Basic 0123456789abcdef", "0123456789abcdef",
                               "Bearer  0123456789abcdef", "Bearer 0123456789abcdef, Bearer 0123456789abcdef"})

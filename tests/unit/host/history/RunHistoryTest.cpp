@@ -2,6 +2,7 @@
 
 #include "host/Addresses.h"
 #include "tests/unit/host/TemporaryFolder.h"
+#include "tests/unit/host/history/Noon.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,8 +23,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-constexpr std::chrono::system_clock::time_point noon{1'795'262'400s};
 
 class HistoryOfRuns : public testing::Test {
 protected:

@@ -2,6 +2,7 @@
 
 #include "host/Errors.h"
 #include "tests/unit/host/TemporaryFolder.h"
+#include "tests/unit/host/history/Noon.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,8 +23,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr Schedule::Time noon{1'795'262'400s};
 
 /// A scheduler whose clock the test sets.
 class Schedulers : public testing::Test {

@@ -2,6 +2,7 @@
 
 #include "host/Errors.h"
 #include "tests/unit/host/TemporaryFolder.h"
+#include "tests/unit/host/history/Noon.h"
 #include "tests/unit/support/Privacy.h"
 
 #include <gmock/gmock.h>
@@ -21,8 +22,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-constexpr Schedule::Time noon{1'795'262'400s};
 
 class RunSchedules : public testing::Test {
 protected:

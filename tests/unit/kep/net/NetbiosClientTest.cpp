@@ -18,7 +18,7 @@ std::uint16_t idOf(const Bytes& request)
     return static_cast<std::uint16_t>(request.at(0) << 8 | request.at(1));
 }
 
-Bytes replyTo(const Bytes& request, const std::string& name)
+Bytes nodeReplyTo(const Bytes& request, const std::string& name)
 {
     return StatusReply(idOf(request)).add("OFFICE", 0x00, true).add(name, 0x00).bytes();
 }
@@ -32,7 +32,7 @@ protected:
 
 TEST_F(NetbiosQuery, TheNodesNameIsFetched)
 {
-    UdpResponder node([](const Bytes& request, int) { return Replies{replyTo(request, "PRINTER")}; });
+    UdpResponder node([](const Bytes& request, int) { return Replies{nodeReplyTo(request, "PRINTER")}; });
     EXPECT_EQ(ask(node), "PRINTER");
     ASSERT_EQ(node.requests().size(), 1U);
     EXPECT_EQ(node.requests()[0].size(), 50U);
@@ -40,8 +40,9 @@ TEST_F(NetbiosQuery, TheNodesNameIsFetched)
 
 TEST_F(NetbiosQuery, ALostRequestIsSentOnceMore)
 {
-    UdpResponder node(
-        [](const Bytes& request, int number) { return number == 0 ? Replies{} : Replies{replyTo(request, "LATE")}; });
+    UdpResponder node([](const Bytes& request, int number) {
+        return number == 0 ? Replies{} : Replies{nodeReplyTo(request, "LATE")};
+    });
     EXPECT_EQ(ask(node), "LATE");
     EXPECT_EQ(node.requests().size(), 2U);
 }
@@ -66,17 +67,17 @@ TEST_F(NetbiosQuery, AClosedPortEndsAtOnce)
 TEST_F(NetbiosQuery, MalformedAndForeignRepliesAreIgnored)
 {
     UdpResponder node([](const Bytes& request, int) {
-        Bytes truncated = replyTo(request, "TRUNCATED");
+        Bytes truncated = nodeReplyTo(request, "TRUNCATED");
         truncated.resize(80);
         const Bytes foreign = StatusReply(static_cast<std::uint16_t>(idOf(request) + 1)).add("FOREIGN", 0x00).bytes();
-        return Replies{Bytes{}, truncated, foreign, request, Bytes(1500, 0xFF), replyTo(request, "RIGHT")};
+        return Replies{Bytes{}, truncated, foreign, request, Bytes(1500, 0xFF), nodeReplyTo(request, "RIGHT")};
     });
     EXPECT_EQ(ask(node), "RIGHT");
 }
 
 TEST_F(NetbiosQuery, RepliesOfAnotherPeerAreNotSeen)
 {
-    UdpResponder other([](const Bytes& request, int) { return Replies{replyTo(request, "OTHER")}; });
+    UdpResponder other([](const Bytes& request, int) { return Replies{nodeReplyTo(request, "OTHER")}; });
     UdpResponder silent([](const Bytes&, int) { return Replies{}; });
     EXPECT_EQ(ask(silent), "");
     EXPECT_TRUE(other.requests().empty());
@@ -95,7 +96,7 @@ TEST_F(NetbiosQuery, AnErrorReplyEndsTheQuery)
 
 TEST_F(NetbiosQuery, TransactionIdsAreNotPredictable)
 {
-    UdpResponder node([](const Bytes& request, int) { return Replies{replyTo(request, "PRINTER")}; });
+    UdpResponder node([](const Bytes& request, int) { return Replies{nodeReplyTo(request, "PRINTER")}; });
     for (int round = 0; round < 4; ++round) {
         ask(node);
     }
