@@ -39,11 +39,14 @@ endif()
 add_library(pd_options INTERFACE)
 target_compile_options(pd_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
   -Woverloaded-virtual -Werror)
-if(CMAKE_UNITY_BUILD) # GCC takes what is unnamed in an included source for something of a header
-  target_compile_options(pd_options INTERFACE -Wno-subobject-linkage)
-endif()
 target_include_directories(pd_options INTERFACE "${CMAKE_SOURCE_DIR}")
 target_link_libraries(pd_options INTERFACE Threads::Threads)
+
+# In a unity build GCC takes what is unnamed in an included source for something of a header.
+set(PD_UNITY_OPTIONS -Wno-subobject-linkage)
+if(CMAKE_UNITY_BUILD)
+  add_compile_options(${PD_UNITY_OPTIONS})
+endif()
 
 # A sanitizer build is compiled twice over by every test run: line numbers in its reports suffice.
 # Left out is "vptr", whose check needs a descriptor and so fails where a test has used them up.

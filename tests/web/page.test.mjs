@@ -34,18 +34,17 @@ describe("The page before a server that makes its runs up", () => {
 
     const numbers = (count) => Array.from({ length: count }, (_, index) => index + 1);
 
-    test("ten thousand printers sort, filter and page without stalling", async () => {
+    test("ten thousand printers sort, filter and page, and only those in sight are drawn", async () => {
         await openWith(numbers(many).map(printerOf));
         await page.sees("10,000 rows");
         assert.deepEqual((await page.column("Address")).slice(0, 2), [addressOf(1), addressOf(2)]);
         assert.equal((await page.rows()).length, 100);
 
-        // The longest time for which the page answered nothing, while each of these is done once.
         await page.page.evaluate(() => {
-            window.longest = 0;
-            new PerformanceObserver((list) => {
-                for (const { duration } of list.getEntries()) window.longest = Math.max(window.longest, duration);
-            }).observe({ type: "longtask" });
+            window.drawn = 0;
+            new MutationObserver((changes) => {
+                for (const { addedNodes } of changes) window.drawn += addedNodes.length;
+            }).observe(document.body, { childList: true, subtree: true });
         });
         for (const name of ["Name", "Serial number", "Host name", "Address", "Address"]) await page.sortBy(name);
         assert.equal((await page.column("Address"))[0], addressOf(many));
@@ -54,8 +53,8 @@ describe("The page before a server that makes its runs up", () => {
         await page.field("Filter printers").fill("");
         await page.button("Next").click();
         await page.sees("Page 2 of 100");
-        const longest = await page.page.evaluate(() => window.longest);
-        assert.ok(longest < 2000, `the page stalled for ${longest} ms`);
+        const drawn = await page.page.evaluate(() => window.drawn);
+        assert.ok(drawn > 100 && drawn < many, `${drawn} elements were drawn`);
     });
 
     test("a grid says how many rows it has, though it holds one page of them", async () => {
