@@ -83,7 +83,7 @@ void AgentSession::getNext(const std::string& oid, std::string& nextOid, Variant
     if (!asked)
         throw Exception("\"" + oid + "\" is no object identifier");
     requireOpen();
-    Reply reply = getNextReply(*asked);
+    Reply reply = take(askNext(*asked));
     if (!reply.hasValue) {
         nextOid = oid;
         value = Variant();
@@ -101,35 +101,36 @@ void AgentSession::get(const std::string& oid, Variant& value)
         return;
     }
     requireOpen();
-    Reply reply = getReply(*asked);
+    Reply reply = take(askFor(*asked));
     value = reply.hasValue ? std::move(reply.value) : Variant("");
 }
 
-Reply AgentSession::getNextReply(const Oid& oid)
+Answer AgentSession::askNext(const Oid& oid)
 {
-    return take(record_.watch([&] {
+    return record_.watch([&] {
         const BudgetedRequest request(budget_, *wire_);
         Answer answer = ask({Question::Kind::getNext, oid}, request.limit());
         if (const auto* const reply = std::get_if<Reply>(&answer); reply != nullptr && reply->hasValue)
             if (reply->oid < oid)
                 throw failure("the agent went back: " + reply->oid.text() + " does not follow " + oid.text());
         return answer;
-    }));
+    });
 }
 
-Reply AgentSession::getReply(const Oid& oid)
+Answer AgentSession::askFor(const Oid& oid)
 {
-    return take(record_.watch([&] {
+    return record_.watch([&] {
         Answer answer = ask({Question::Kind::get, oid});
         if (const auto* const reply = std::get_if<Reply>(&answer); reply != nullptr && reply->bindings != 0)
             if (reply->oid != oid)
                 throw failure("the agent answered for " + reply->oid.text() + ", asked for " + oid.text());
         return answer;
-    }));
+    });
 }
 
-// What was not answered is noted without being thrown and caught, which would cost a sweep more than all else.
-Reply AgentSession::take(Answer answer)
+// What was not answered is noted without being thrown and caught, which would cost a sweep more than all else. The few
+// frames that the failure passes then count, too.
+Reply AgentSession::take(Answer&& answer)
 {
     if (const auto* const silence = std::get_if<Failure>(&answer))
         record_.failed(*silence);

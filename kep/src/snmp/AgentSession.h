@@ -23,9 +23,9 @@ public:
     void get(const std::string& oid, Variant& value) override;
 
 private:
-    Reply getReply(const Oid& oid);
-    Reply getNextReply(const Oid& oid);
-    Reply take(Answer answer);
+    Answer askFor(const Oid& oid);
+    Answer askNext(const Oid& oid);
+    Reply take(Answer&& answer);
     Answer ask(const Question& question, Wire::Clock::time_point limit = Wire::Clock::time_point::max()) const;
     void check(const Reply& reply) const;
     void requireOpen() const;

@@ -97,7 +97,7 @@ private:
 
 } // namespace
 
-Reply takeReply(Answer answer)
+Reply takeReply(Answer&& answer)
 {
     if (const auto* const failure = std::get_if<Failure>(&answer))
         throw Failure(*failure);

@@ -14,7 +14,7 @@ namespace Kep::Snmp {
 using Answer = std::variant<Reply, Failure>;
 
 /// Takes the reply out. Throws the failure instead.
-Reply takeReply(Answer answer);
+Reply takeReply(Answer&& answer);
 
 /// Sends `question` over `wire` until it is answered: one try and as many more as the host settings say, each as long
 /// as they say, and none of it after `limit`. Holds no lock while it waits. The reply of a discovery is empty. Throws
