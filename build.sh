@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/packages.sh
 source scripts/windows.sh
 
-# Several sources at once: a third of the time. The ordinary build compiles each of the product by itself, as its author
+# Several sources at once: half the time. The ordinary build compiles each of the product by itself, as its author
 # sees it.
 unity_build=(-DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=8)
 

@@ -3,6 +3,9 @@
 
 #include "net/UdpSocket.h"
 
+#include <cstdint>
+#include <optional>
+
 namespace Kep::Snmp {
 
 /// Used by one thread at a time.
